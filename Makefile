@@ -1,0 +1,63 @@
+# Every command a contributor needs; `make help` lists them.
+
+FOLDER ?= $(CURDIR)
+PHRASE ?= documents about undo
+JOBS   ?= $(shell nproc)
+
+.DEFAULT_GOAL := help
+
+.PHONY: help
+help: ## list these commands
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-9s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+
+.PHONY: run
+run: release ## build, index FOLDER= and answer PHRASE=
+	build/release/bin/tovictl index "$(FOLDER)"
+	build/release/bin/tovictl search --limit 10 "$(PHRASE)"
+
+.PHONY: test
+test: ## install what is missing, build with sanitizers, run every test
+	scripts/bootstrap
+	cmake --preset dev
+	cmake --build --preset dev -j $(JOBS)
+	ctest --preset dev -j $(JOBS)
+
+.PHONY: release
+release: ## build the optimised programs into build/release/bin
+	scripts/bootstrap
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS)
+
+.PHONY: tsan
+tsan: ## run the tests under ThreadSanitizer
+	scripts/bootstrap
+	cmake --preset tsan
+	cmake --build --preset tsan -j $(JOBS)
+	ctest --preset tsan -j $(JOBS)
+
+.PHONY: bench
+bench: ## build and run the benchmarks
+	scripts/bootstrap --developer
+	cmake --preset bench
+	cmake --build --preset bench -j $(JOBS)
+	bench/run
+
+.PHONY: fuzz
+fuzz: ## build the fuzz targets and run each for SECONDS= (60)
+	scripts/bootstrap --developer
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	scripts/fuzz $(or $(SECONDS),60)
+
+SOURCES = $(shell git ls-files '*.cpp' '*.h')
+
+.PHONY: format
+format: ## format every source file
+	clang-format -i $(SOURCES)
+
+.PHONY: lint
+lint: ## check the format and run clang-tidy
+	scripts/bootstrap --developer
+	clang-format --dry-run -Werror $(SOURCES)
+	cmake --preset dev
+	clang-tidy -p build/dev --quiet $(filter %.cpp,$(SOURCES))

@@ -1,0 +1,21 @@
+# Libraries the program stands on. scripts/bootstrap installs them all.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(ICU 72 REQUIRED COMPONENTS i18n uc data)
+find_package(nlohmann_json 3.11 REQUIRED)
+find_package(fmt 9 REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(OpenSSL 3 REQUIRED)
+find_package(Boost 1.81 REQUIRED COMPONENTS url)
+find_package(simdjson 3 REQUIRED)
+pkg_check_modules(UUID REQUIRED IMPORTED_TARGET uuid)
+
+if(TOVI_TESTS)
+    find_package(GTest REQUIRED)
+    include(GoogleTest)
+endif()
+if(TOVI_BENCH)
+    find_package(benchmark REQUIRED)
+endif()

@@ -1,0 +1,61 @@
+# Project-wide compiler settings, and one function per sort of target so that each folder's
+# CMakeLists.txt says only what is in it and whom it knows.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast)
+if(TOVI_WERROR)
+    add_compile_options(-Werror)
+endif()
+if(TOVI_SANITIZERS)
+    add_compile_options(-fsanitize=${TOVI_SANITIZERS} -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${TOVI_SANITIZERS})
+else()
+    add_compile_options(-fstack-protector-strong)
+    add_link_options(-Wl,-z,relro,-z,now)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+        add_compile_definitions(_FORTIFY_SOURCE=2)
+    endif()
+endif()
+
+# tovi_library(NAME SOURCES file… [USES target…] [PRIVATE target…])
+# USES are the targets whose headers the library's own headers include; PRIVATE ones appear in
+# its sources only.
+function(tovi_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES;PRIVATE" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${ARG_USES} PRIVATE ${ARG_PRIVATE})
+endfunction()
+
+function(tovi_executable name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${ARG_USES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+endfunction()
+
+# tovi_test(NAME SOURCES file… USES target…): one GoogleTest program; every case is a CTest test.
+function(tovi_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${ARG_USES} GTest::gmock GTest::gtest_main)
+    target_compile_definitions(${name} PRIVATE TOVI_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "base/Date.h"
+#include "base/FileDescriptor.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tovi::platform {
+
+enum class FileType { regular, directory, symbolicLink, other };
+
+/// What the file system says of one item, links not followed.
+struct FileAttributes {
+    FileType type = FileType::other;
+    std::int64_t size = 0; // bytes
+    Date createdAt;        // the modification date where the file system keeps no birth time
+    Date modifiedAt;
+    std::uint64_t inode = 0;
+    std::uint64_t device = 0;
+};
+
+/// Throws `std::system_error` with the path.
+FileAttributes attributesOf(const std::string& path);
+
+/// Of the open item itself; `path` is for the error only.
+FileAttributes attributesOf(const FileDescriptor& item, const std::string& path);
+
+/// Of the item `name` in an open directory; `path` is for the error only.
+FileAttributes attributesAt(const FileDescriptor& directory, const char* name,
+                            const std::string& path);
+
+} // namespace tovi::platform
