@@ -10,15 +10,15 @@
 
 namespace tovi {
 
-/// What a phrase asks for: filters, and the words that are left over.
+/// A search: filters and the free text that is left.
 struct SearchQuery {
-    std::string text; // words separated by single spaces
+    std::string text; // words separated by single spaces; may be empty
     std::optional<FileKind> kind;
-    std::optional<Date> modifiedAfter;       // inclusive
-    std::optional<Date> modifiedBefore;      // exclusive
+    std::optional<Date> modifiedAfter;       // included
+    std::optional<Date> modifiedBefore;      // not included
     std::optional<std::int64_t> minimumSize; // bytes
-    std::optional<std::string> source;       // host or word of the website downloaded from
-    std::vector<std::string> chips;          // for the user: how the phrase was understood
+    std::optional<std::string> source;       // a host name or a word of a stored address
+    std::vector<std::string> chips;          // how the phrase was understood, in order
     bool screenshotsOnly = false;
 
     friend bool operator==(const SearchQuery&, const SearchQuery&) = default;
