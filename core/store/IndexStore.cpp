@@ -208,6 +208,16 @@ void IndexStore::removeRoot(const std::string& rootPath) {
     if (db_->changes() > 0) ++revision_;
 }
 
+void IndexStore::adoptRows(const std::string& rootPath) {
+    const std::lock_guard lock(mutex_);
+    // "0" follows "/". Of two roots that hold rows below this one, the shorter lies above it.
+    Statement statement(*db_, "UPDATE files SET root = ?1 WHERE path > ?1 || '/' AND "
+                              "path < ?1 || '0' AND length(root) < length(?1)");
+    statement.bind(rootPath);
+    statement.run();
+    if (db_->changes() > 0) ++revision_;
+}
+
 void IndexStore::clear() {
     const std::lock_guard lock(mutex_);
     db_->execute("DELETE FROM files;");

@@ -67,6 +67,9 @@ class IndexStore {
 
     void removeRoot(const std::string& rootPath);
 
+    /// Hands the rows below `rootPath` that a connected folder above it holds over to it.
+    void adoptRows(const std::string& rootPath);
+
     /// Empties the index and compacts its file, so that no text lingers in free pages.
     void clear();
 
