@@ -46,10 +46,6 @@ int FileCalls::sync(int descriptor) {
     return fails(Call::sync) ? -1 : ::fsync(descriptor);
 }
 
-void FileCalls::startWriting(int descriptor, off_t offset, off_t length) {
-    ::sync_file_range(descriptor, offset, length, SYNC_FILE_RANGE_WRITE);
-}
-
 int FileCalls::rename(int directory, const char* from, const char* to, unsigned flags) {
     return fails(Call::rename) ? -1 : ::renameat2(directory, from, directory, to, flags);
 }

@@ -39,8 +39,6 @@ class FileCalls {
     ssize_t read(int descriptor, std::span<std::byte> bytes);
     ssize_t write(int descriptor, std::span<const std::byte> bytes);
     int sync(int descriptor);
-    /// Starts writing a range that will be synced later.
-    void startWriting(int descriptor, off_t offset, off_t length);
     /// `flags` are those of renameat2.
     int rename(int directory, const char* from, const char* to, unsigned flags);
     /// Gives a file another name; fails where the name exists.

@@ -24,28 +24,6 @@ Length bigEndian(std::size_t value) {
     return bytes;
 }
 
-/// Writes in order and has the system start storing while more is being prepared, so that the
-/// flush at the end finds little left to do.
-class OutputStream {
-  public:
-    OutputStream(FileCalls& calls, const FileDescriptor& file) : calls_(calls), file_(file) {}
-
-    void write(std::span<const std::byte> bytes) {
-        constexpr off_t stride = 16 * 1'048'576;
-        writeFully(calls_, file_, bytes);
-        written_ += static_cast<off_t>(bytes.size());
-        if (written_ - started_ < stride) return;
-        calls_.startWriting(file_.get(), started_, written_ - started_);
-        started_ = written_;
-    }
-
-  private:
-    FileCalls& calls_;
-    const FileDescriptor& file_;
-    off_t written_ = 0;
-    off_t started_ = 0;
-};
-
 } // namespace
 
 VaultItem encryptItem(FileCalls& calls, const VaultKey& key, const VaultSource& source,
@@ -60,7 +38,6 @@ VaultItem encryptItem(FileCalls& calls, const VaultKey& key, const VaultSource& 
     const ChunkLayout layout(item.id, item.size);
     AesGcm cipher(AesGcm::Direction::seal, ItemKey(key, item.id).bytes());
     Sha256 sum;
-    OutputStream stream(calls, output);
     std::vector<std::byte> frame(layout.plaintextSize(0) + ChunkLayout::lengthSize +
                                  ChunkLayout::sealOverhead);
 
@@ -81,7 +58,7 @@ VaultItem encryptItem(FileCalls& calls, const VaultKey& key, const VaultSource& 
         const auto combined = std::span(frame).subspan(ChunkLayout::lengthSize, length);
         std::copy(prefix.begin(), prefix.end(), frame.begin());
         cipher.seal(plaintext, layout.associatedData(index), nonce, combined);
-        stream.write(std::span(frame).first(ChunkLayout::lengthSize + length));
+        writeFully(calls, output, std::span(frame).first(ChunkLayout::lengthSize + length));
         if (progress) progress(static_cast<std::int64_t>(plaintext.size()));
     };
     runChunks(layout.count(), layout.plaintextSize(0), stages, stop);
@@ -109,8 +86,6 @@ void decryptItem(FileCalls& calls, const VaultKey& key, const FileDescriptor& di
     const ChunkLayout layout(item.id, item.size);
     AesGcm cipher(AesGcm::Direction::open, ItemKey(key, item.id).bytes());
     Sha256 sum;
-    std::optional<OutputStream> stream;
-    if (output != nullptr) stream.emplace(calls, *output);
 
     ChunkStages stages;
     stages.produce = [&](std::uint64_t index, std::span<std::byte> buffer) {
@@ -128,7 +103,7 @@ void decryptItem(FileCalls& calls, const VaultKey& key, const FileDescriptor& di
     };
     stages.hash = [&](std::span<const std::byte> plaintext) { sum.update(plaintext); };
     stages.consume = [&](std::uint64_t, std::span<const std::byte> plaintext) {
-        if (stream) stream->write(plaintext);
+        if (output != nullptr) writeFully(calls, *output, plaintext);
         if (progress) progress(static_cast<std::int64_t>(plaintext.size()));
     };
     runChunks(layout.count(),
