@@ -325,7 +325,7 @@ void VaultStore::importFiles(std::span<const std::string> paths,
             }
             // A list of n items is written every n/16 items, so that all the lists together cost
             // no more than 16 times the last one; and after much work, to have it safe.
-            constexpr std::int64_t muchWork = 256 * 1'048'576;
+            constexpr std::int64_t muchWork = 268'435'456; // bytes
             if (pending.size() > state_->items.size() / 16 || pendingBytes >= muchWork) commit();
         }
     } catch (const Cancelled&) {
