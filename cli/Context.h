@@ -48,5 +48,6 @@ void addShowCommand(CLI::App& app, Context& context);
 void addStatusCommand(CLI::App& app, Context& context);
 void addForgetCommand(CLI::App& app, Context& context);
 void addClearCommand(CLI::App& app, Context& context);
+void addVaultCommand(CLI::App& app, Context& context);
 
 } // namespace tovi::cli

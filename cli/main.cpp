@@ -40,6 +40,7 @@ int run(int argc, char** argv, Context& context) {
     addStatusCommand(app, context);
     addForgetCommand(app, context);
     addClearCommand(app, context);
+    addVaultCommand(app, context);
     app.parse_complete_callback([&] {
         context.dataDirectory = context.dataDirectory.empty() ? platform::dataHome() + "/Ardeno"
                                                               : absolutePath(context.dataDirectory);
