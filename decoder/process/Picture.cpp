@@ -2,12 +2,16 @@
 
 #include "decoder/process/WrongFormat.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include <allheaders.h>
 #include <dlfcn.h>
@@ -20,6 +24,9 @@ namespace tovi::decoder {
 namespace {
 
 constexpr std::int64_t maximumPixels = 100'000'000;
+constexpr std::array loaders = {"VipsForeignLoadJpeg",  "VipsForeignLoadPng",
+                                "VipsForeignLoadWebp",  "VipsForeignLoadTiff",
+                                "VipsForeignLoadNsgif", "VipsForeignLoadHeif"};
 
 struct Unref {
     void operator()(VipsImage* image) const { g_object_unref(image); }
@@ -100,9 +107,15 @@ Image loadBmp(std::span<const std::byte> bytes, int maximumSide) {
     });
 }
 
+bool isSupported(const char* loader) {
+    return loader != nullptr && std::ranges::any_of(loaders, [loader](std::string_view supported) {
+               return std::string_view(loader).starts_with(supported);
+           });
+}
+
 Image loadOther(std::span<const std::byte> bytes, int maximumSide) {
     auto* data = const_cast<std::byte*>(bytes.data());
-    if (vips_foreign_find_load_buffer(data, bytes.size()) == nullptr) {
+    if (!isSupported(vips_foreign_find_load_buffer(data, bytes.size()))) {
         vips_error_clear();
         throw WrongFormat("The picture format is not supported.");
     }
@@ -143,11 +156,8 @@ void preparePictures() {
     vips_concurrency_set(1);
     vips_cache_set_max(0);
     vips_operation_block_set("VipsForeignLoad", TRUE);
-    for (const char* loader :
-         {"VipsForeignLoadJpeg", "VipsForeignLoadPng", "VipsForeignLoadWebp", "VipsForeignLoadTiff",
-          "VipsForeignLoadNsgif", "VipsForeignLoadHeif"}) {
+    for (const char* loader : loaders)
         vips_operation_block_set(loader, FALSE);
-    }
     setMsgSeverity(L_SEVERITY_NONE);
 }
 

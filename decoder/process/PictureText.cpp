@@ -16,7 +16,7 @@
 namespace tovi::decoder {
 namespace {
 
-constexpr int enlargeBelow = 1400;          // pixels of the longer side
+constexpr int enlargeBelow = 2000;          // pixels of the longer side
 constexpr float minimumWordConfidence = 40; // percent
 constexpr double convincing = 70;           // percent
 constexpr std::size_t maximumLanguages = 6;
@@ -38,8 +38,8 @@ struct Engines {
 };
 
 Engines& engines() {
-    static Engines both;
-    return both;
+    static auto* both = new Engines; // not destroyed: what it refers to in Tesseract goes first
+    return *both;
 }
 
 std::string languagesOf(tesseract::TessBaseAPI& english) {
@@ -123,7 +123,7 @@ int quarterTurns(Pix* pix) {
     const bool found =
         engine.DetectOrientationScript(&degrees, &confidence, &script, &scriptConfidence);
     engine.Clear();
-    return found ? degrees / 90 : 0;
+    return found ? (4 - degrees / 90) % 4 : 0;
 }
 
 Image withoutSkew(Pix* pix) {
