@@ -193,7 +193,7 @@ class Scan final : public platform::WalkVisitor {
         const FileKind kind = classify(name, false);
         const platform::ExtendedAttributes extended(path);
         const bool isAvailable = context_.availability.isAvailableLocally(path, extended);
-        DownloadMetadata metadata = DownloadMetadata::read(path, extended, isAvailable, attributes,
+        DownloadMetadata metadata = DownloadMetadata::read(path, extended, attributes, isAvailable,
                                                            context_.downloadsDirectory);
         KnownFiles::File* const known = known_.find(path);
         if (known != nullptr) {

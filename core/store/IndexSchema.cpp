@@ -48,7 +48,7 @@ constexpr const char* coveringIndexes =
     "CREATE INDEX IF NOT EXISTS files_listing"
     " ON files(modified DESC, path ASC, name, kind, size, source);"
     "CREATE INDEX IF NOT EXISTS files_scan"
-    " ON files(root, path, size, modified, status, source, downloaded);";
+    " ON files(root, path, size, modified, status, source, downloaded, kind);";
 
 // Pages are read straight from the system's cache, up to this many bytes of the file.
 constexpr const char* memoryMap = "PRAGMA mmap_size=4294967296;";

@@ -69,6 +69,13 @@ std::int64_t sizeWithLog(const std::string& path) {
 
 } // namespace
 
+std::int64_t IndexSummary::total() const {
+    std::int64_t files = 0;
+    for (const auto& [kind, count] : filesByKind)
+        files += count;
+    return files;
+}
+
 IndexStore::IndexStore(const std::string& path, Access access)
     : path_(path),
       db_(access == Access::readWrite ? openIndexForWriting(path) : openIndexForReading(path)) {}
@@ -239,21 +246,26 @@ std::vector<std::string> IndexStore::roots() {
     }
 }
 
-IndexSummary IndexStore::summary() {
+IndexSummary IndexStore::summary(const std::optional<std::string>& rootPath) {
     const std::lock_guard lock(mutex_);
+    const auto countBy = [&](const std::string& column, const auto& add) {
+        const std::string condition = rootPath ? " WHERE root = ?" : "";
+        Statement counts(*db_, "SELECT " + column + ", count(*) FROM files" + condition +
+                                   " GROUP BY " + column);
+        if (rootPath) counts.bind(*rootPath);
+        while (counts.step())
+            add(std::string(counts.text(0)), counts.integer(1));
+    };
     IndexSummary summary;
-    Statement kinds(*db_, "SELECT kind, count(*) FROM files GROUP BY kind");
-    while (kinds.step()) {
-        const FileKind kind = fileKindFromRawValue(kinds.text(0)).value_or(FileKind::other);
-        summary.filesByKind[kind] += kinds.integer(1);
-    }
-    Statement statuses(*db_, "SELECT status, count(*) FROM files GROUP BY status");
-    while (statuses.step()) {
-        summary.filesByStatus[std::string(statuses.text(0))] = statuses.integer(1);
-    }
-    Statement roots(*db_, "SELECT root, count(*) FROM files GROUP BY root");
-    while (roots.step())
-        summary.filesByRoot[std::string(roots.text(0))] = roots.integer(1);
+    countBy("kind", [&](const std::string& kind, std::int64_t count) {
+        summary.filesByKind[fileKindFromRawValue(kind).value_or(FileKind::other)] += count;
+    });
+    countBy("status", [&](const std::string& status, std::int64_t count) {
+        summary.filesByStatus[status] = count;
+    });
+    countBy("root", [&](const std::string& root, std::int64_t count) {
+        summary.filesByRoot[root] = count;
+    });
     summary.databaseSize = sizeWithLog(path_);
     return summary;
 }

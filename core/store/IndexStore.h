@@ -21,6 +21,8 @@ struct IndexSummary {
     std::map<std::string, std::int64_t> filesByStatus;
     std::map<std::string, std::int64_t> filesByRoot;
     std::int64_t databaseSize = 0; // bytes, with the log beside it
+
+    std::int64_t total() const;
 };
 
 /// Owns the connection to the index, the file "index.sqlite". May be called from any thread: each
@@ -76,7 +78,8 @@ class IndexStore {
     /// The connected folders that have files in the index, in byte order.
     std::vector<std::string> roots();
 
-    IndexSummary summary();
+    /// Of the whole index, or of one connected folder.
+    IndexSummary summary(const std::optional<std::string>& rootPath = std::nullopt);
 
     /// Path and status of the files whose content status starts with `prefix`, by path.
     std::vector<std::pair<std::string, std::string>> filesWithStatus(const std::string& prefix,

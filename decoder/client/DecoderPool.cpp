@@ -110,12 +110,9 @@ DecodedPicture DecoderPool::decodePicture(const FileDescriptor& file, int maximu
     return {static_cast<int>(done.width), static_cast<int>(done.height), std::move(answer.bytes)};
 }
 
-int DecoderPool::landlockVersion(const std::stop_token& stop) {
+Confinement DecoderPool::confinement(const std::stop_token& stop) {
     const Turn turn(*this, stop);
-    DecoderProcess process(options_.program, Task::pdfText);
-    const auto version = process.awaitReady(options_.start, stop);
-    if (!version) throw DecodingError("The decoder does not start.");
-    return *version;
+    return start(Task::pdfText, stop).confinement;
 }
 
 void DecoderPool::endIdle() {
@@ -131,7 +128,7 @@ DecoderPool::Answer DecoderPool::decode(const Request& request, const FileDescri
     for (const bool mayReuse : {true, false}) {
         throwIfCancelled(stop);
         auto process = mayReuse ? takeIdle(request.task) : nullptr;
-        if (process == nullptr) process = start(request.task, stop);
+        if (process == nullptr) process = start(request.task, stop).process;
         auto outcome = process->ask(request, file.get(), patience, stop);
         if (outcome.reply) {
             Answer answer{*outcome.reply, process->result(resultSize(*outcome.reply))};
@@ -155,16 +152,18 @@ DecoderPool::Answer DecoderPool::decode(const Request& request, const FileDescri
     throw DecodingError("The file could not be decoded safely.");
 }
 
-std::unique_ptr<DecoderProcess> DecoderPool::start(Task task, const std::stop_token& stop) {
-    std::unique_ptr<DecoderProcess> process;
+DecoderPool::Started DecoderPool::start(Task task, const std::stop_token& stop) {
+    Started started;
     try {
-        process = std::make_unique<DecoderProcess>(options_.program, task);
+        started.process = std::make_unique<DecoderProcess>(options_.program, task);
     } catch (const std::exception& error) {
         throw DecodingError("The decoder could not be started: " + reasonOf(error));
     }
-    if (!process->awaitReady(options_.start, stop))
+    const auto confinement = started.process->awaitReady(options_.start, stop);
+    if (!confinement)
         throw DecodingError("The decoder could not be started: it does not get ready.");
-    return process;
+    started.confinement = *confinement;
+    return started;
 }
 
 std::unique_ptr<DecoderProcess> DecoderPool::takeIdle(Task task) {

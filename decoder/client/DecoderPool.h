@@ -62,8 +62,8 @@ class DecoderPool final : public PdfReader, public PictureTextReader {
     DecodedPicture decodePicture(const FileDescriptor& file, int maximumSide,
                                  const std::stop_token& stop);
 
-    /// Landlock's version inside a decoder started for the purpose, 0 where the kernel has none.
-    int landlockVersion(const std::stop_token& stop);
+    /// Starts a decoder and asks it, and the kernel about it, how it is confined.
+    Confinement confinement(const std::stop_token& stop);
 
     /// Ends the decoders that wait for work, to give their memory back.
     void endIdle();
@@ -73,6 +73,10 @@ class DecoderPool final : public PdfReader, public PictureTextReader {
         Reply reply;
         std::string bytes;
     };
+    struct Started {
+        std::unique_ptr<DecoderProcess> process;
+        Confinement confinement;
+    };
     struct Idle {
         Task task;
         std::unique_ptr<DecoderProcess> process;
@@ -81,7 +85,7 @@ class DecoderPool final : public PdfReader, public PictureTextReader {
 
     Answer decode(const Request& request, const FileDescriptor& file,
                   const DecoderProcess::Patience& patience, const std::stop_token& stop);
-    std::unique_ptr<DecoderProcess> start(Task task, const std::stop_token& stop);
+    Started start(Task task, const std::stop_token& stop);
     std::unique_ptr<DecoderProcess> takeIdle(Task task);
 
     const DecoderPoolOptions options_;

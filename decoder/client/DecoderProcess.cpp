@@ -9,11 +9,14 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <fstream>
+#include <string_view>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 
@@ -102,6 +105,21 @@ int millisecondsUntil(DecoderProcess::Clock::time_point deadline) {
     return static_cast<int>(std::clamp(left, milliseconds(0), milliseconds(1'000'000)).count());
 }
 
+/// The value of one line of /proc/PID/status.
+std::string statusOf(pid_t id, std::string_view key) {
+    std::ifstream lines("/proc/" + std::to_string(id) + "/status");
+    for (std::string word; lines >> word;) {
+        if (word == key && lines >> word) return word;
+    }
+    return {};
+}
+
+std::uint64_t limitOf(pid_t id, __rlimit_resource resource) {
+    rlimit limit{};
+    if (::prlimit(id, resource, nullptr, &limit) != 0) throw systemError("prlimit");
+    return limit.rlim_max;
+}
+
 } // namespace
 
 DecoderProcess::DecoderProcess(const std::string& program, Task task)
@@ -120,12 +138,21 @@ DecoderProcess::~DecoderProcess() {
     }
 }
 
-std::optional<int> DecoderProcess::awaitReady(Clock::duration patience,
-                                              const std::stop_token& stop) const {
+std::optional<Confinement> DecoderProcess::awaitReady(Clock::duration patience,
+                                                      const std::stop_token& stop) const {
     const Outcome outcome = nextReply(Clock::now() + patience, stop);
     const auto* ready = outcome.reply ? std::get_if<Ready>(&*outcome.reply) : nullptr;
     if (ready == nullptr) return std::nullopt;
-    return static_cast<int>(std::min<std::uint32_t>(ready->landlockVersion, INT32_MAX));
+    Confinement confinement;
+    confinement.landlockVersion =
+        static_cast<int>(std::min<std::uint32_t>(ready->landlockVersion, INT32_MAX));
+    confinement.systemCallFilter = statusOf(id_, "Seccomp:") == "2";
+    confinement.noNewPrivileges = statusOf(id_, "NoNewPrivs:") == "1";
+    confinement.memoryBytes = limitOf(id_, RLIMIT_AS);
+    confinement.cpuSeconds = limitOf(id_, RLIMIT_CPU);
+    confinement.openFiles = limitOf(id_, RLIMIT_NOFILE);
+    confinement.coreBytes = limitOf(id_, RLIMIT_CORE);
+    return confinement;
 }
 
 DecoderProcess::Outcome DecoderProcess::ask(const Request& request, int file,

@@ -4,6 +4,7 @@
 #include "decoder/protocol/Message.h"
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -11,6 +12,18 @@
 #include <sys/types.h>
 
 namespace tovi::decoder {
+
+/// What holds a decoder back, as the kernel reports it but for Landlock's version, which only the
+/// process itself can know.
+struct Confinement {
+    int landlockVersion = 0; // 0 where the kernel has none
+    bool systemCallFilter = false;
+    bool noNewPrivileges = false;
+    std::uint64_t memoryBytes = 0;
+    std::uint64_t cpuSeconds = 0;
+    std::uint64_t openFiles = 0;
+    std::uint64_t coreBytes = 0;
+};
 
 /// One running decoder, serving one request at a time. The destructor kills and reaps it; there
 /// is nothing in it to be lost. Used by one thread at a time.
@@ -42,9 +55,10 @@ class DecoderProcess {
     DecoderProcess(const DecoderProcess&) = delete;
     DecoderProcess& operator=(const DecoderProcess&) = delete;
 
-    /// Waits until the process has locked itself in and returns Landlock's version there, 0 for
-    /// none; nothing if that does not happen. Throws `Cancelled`.
-    std::optional<int> awaitReady(Clock::duration patience, const std::stop_token& stop) const;
+    /// Waits until the process has locked itself in, and says how; nothing if that does not
+    /// happen. Throws `Cancelled`.
+    std::optional<Confinement> awaitReady(Clock::duration patience,
+                                          const std::stop_token& stop) const;
 
     /// Sends one request with its file and waits for the end. Throws `Cancelled`, after which the
     /// process is of no more use.

@@ -1,6 +1,7 @@
 #include "base/Cancelled.h"
 #include "core/records/IntelligenceError.h"
 #include "decoder/client/DecoderPool.h"
+#include "platform/Sandbox.h"
 #include "tests/decoder/PdfMaker.h"
 #include "tests/support/TemporaryTree.h"
 
@@ -76,7 +77,7 @@ TEST_F(RealDecoder, ReadsPdfsAndPicturesInsideTheSandbox) {
     EXPECT_EQ(readPdf(pool, pdf_).text, "Hello");
     const std::string japanese =
         tree_.write("j.pdf", test::makePdf({"<93fa967b8cea>"}, test::japaneseFont("90ms-RKSJ-H")));
-    const bool readsTables = pool.landlockVersion({}) > 0;
+    const bool readsTables = pool.confinement({}).landlockVersion > 0;
     EXPECT_EQ(readPdf(pool, japanese).text, readsTables ? "\u65e5\u672c\u8a9e" : "");
     EXPECT_TRUE(readPdf(pool, data + "user-password.pdf").locked);
     for (const char* name : {"screenshot.png", "scan.heic"}) {
@@ -86,6 +87,17 @@ TEST_F(RealDecoder, ReadsPdfsAndPicturesInsideTheSandbox) {
         EXPECT_EQ(picture.width, 300);
         EXPECT_EQ(picture.pixels.size(), static_cast<std::size_t>(300 * picture.height * 3));
     }
+}
+
+TEST_F(RealDecoder, IsConfined) {
+    const Confinement confinement = DecoderPool(options_).confinement({});
+    EXPECT_EQ(confinement.landlockVersion, platform::landlockVersion());
+    EXPECT_TRUE(confinement.systemCallFilter);
+    EXPECT_TRUE(confinement.noNewPrivileges);
+    const platform::DecoderSandbox sandbox;
+    EXPECT_EQ(confinement.memoryBytes, sandbox.memoryBytes);
+    EXPECT_EQ(confinement.cpuSeconds, sandbox.cpuSeconds);
+    EXPECT_EQ(confinement.coreBytes, 0u);
 }
 
 TEST_F(RealDecoder, SaysWhyAFileCannotBeRead) {
