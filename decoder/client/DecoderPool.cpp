@@ -129,41 +129,45 @@ DecoderPool::Answer DecoderPool::decode(const Request& request, const FileDescri
         throwIfCancelled(stop);
         auto process = mayReuse ? takeIdle(request.task) : nullptr;
         if (process == nullptr) process = start(request.task, stop).process;
-        auto outcome = process->ask(request, file.get(), patience, stop);
-        if (outcome.reply) {
-            Answer answer{*outcome.reply, process->result(resultSize(*outcome.reply))};
-            const bool isText = !std::holds_alternative<PixelsDone>(answer.reply);
-            if (isText && !isValidUtf8(answer.bytes)) continue;
-            if (!process->isWorn()) {
-                const std::lock_guard lock(mutex_);
-                idle_.push_back({request.task, std::move(process)});
-            }
-            if (const auto* failed = std::get_if<Failed>(&answer.reply)) {
-                const std::string sentence = printable(answer.bytes);
-                if (failed->wrongFormat && request.task == Task::pdfText)
-                    throw IntelligenceError::inaccessible(sentence);
-                throw DecodingError(sentence);
-            }
-            return answer;
-        }
-        if (outcome.trouble == Trouble::late)
+        const auto outcome = process->ask(request, file.get(), patience, stop);
+        if (!outcome.reply && outcome.trouble == Trouble::late)
             throw DecodingError("Decoding the file took too long.");
+        if (!outcome.reply) continue;
+
+        Answer answer{*outcome.reply, process->result(resultSize(*outcome.reply))};
+        const bool isText = !std::holds_alternative<PixelsDone>(answer.reply);
+        if (isText && !isValidUtf8(answer.bytes)) continue;
+        giveBack(request.task, std::move(process));
+        if (const auto* failed = std::get_if<Failed>(&answer.reply)) {
+            const std::string sentence = printable(answer.bytes);
+            if (failed->wrongFormat && request.task == Task::pdfText)
+                throw IntelligenceError::inaccessible(sentence);
+            throw DecodingError(sentence);
+        }
+        return answer;
     }
     throw DecodingError("The file could not be decoded safely.");
 }
 
 DecoderPool::Started DecoderPool::start(Task task, const std::stop_token& stop) {
-    Started started;
-    try {
-        started.process = std::make_unique<DecoderProcess>(options_.program, task);
-    } catch (const std::exception& error) {
-        throw DecodingError("The decoder could not be started: " + reasonOf(error));
+    constexpr int attempts = 2; // somebody may have ended the first, which no file can have done
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        std::unique_ptr<DecoderProcess> process;
+        try {
+            process = std::make_unique<DecoderProcess>(options_.program, task);
+        } catch (const std::exception& error) {
+            throw DecodingError("The decoder could not be started: " + reasonOf(error));
+        }
+        if (const auto confinement = process->awaitReady(options_.start, stop))
+            return {std::move(process), *confinement};
     }
-    const auto confinement = started.process->awaitReady(options_.start, stop);
-    if (!confinement)
-        throw DecodingError("The decoder could not be started: it does not get ready.");
-    started.confinement = *confinement;
-    return started;
+    throw DecodingError("The decoder could not be started: it does not get ready.");
+}
+
+void DecoderPool::giveBack(Task task, std::unique_ptr<DecoderProcess> process) {
+    if (process->isWorn()) return;
+    const std::lock_guard lock(mutex_);
+    idle_.push_back({task, std::move(process)});
 }
 
 std::unique_ptr<DecoderProcess> DecoderPool::takeIdle(Task task) {

@@ -87,6 +87,7 @@ class DecoderPool final : public PdfReader, public PictureTextReader {
                   const DecoderProcess::Patience& patience, const std::stop_token& stop);
     Started start(Task task, const std::stop_token& stop);
     std::unique_ptr<DecoderProcess> takeIdle(Task task);
+    void giveBack(Task task, std::unique_ptr<DecoderProcess> process);
 
     const DecoderPoolOptions options_;
 

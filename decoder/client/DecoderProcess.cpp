@@ -183,8 +183,8 @@ DecoderProcess::Outcome DecoderProcess::nextReply(Clock::time_point deadline,
     if (ready <= 0) return {Trouble::late, {}};
     auto received = receivePacket(socket_.get());
     if (!received) return {Trouble::gone, {}};
-    auto reply = received->file.isOpen() ? std::nullopt : parseReply(received->packet);
-    return {Trouble::unlikely, std::move(reply)};
+    const auto reply = received->file.isOpen() ? std::nullopt : parseReply(received->packet);
+    return {Trouble::unlikely, reply};
 }
 
 std::string DecoderProcess::result(std::size_t size) const {

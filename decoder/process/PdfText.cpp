@@ -4,6 +4,7 @@
 #include "decoder/process/WrongFormat.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
@@ -50,6 +51,10 @@ std::string textOf(const poppler::document& document, int index) {
     return plainText(trimmed(std::string_view(bytes.data(), bytes.size())));
 }
 
+bool isOpen(iconv_t converter) {
+    return reinterpret_cast<std::intptr_t>(converter) != -1;
+}
+
 /// At most `maximum` bytes, not cut inside a character of Unicode.
 std::string_view firstBytes(std::string_view text, std::size_t maximum) {
     if (text.size() <= maximum) return text;
@@ -73,7 +78,7 @@ void preparePdfText() {
     // The C library loads its converters when they are first opened and unloads them when unused.
     static const iconv_t toUtf16 = iconv_open("UTF-16", "UTF-8");
     static const iconv_t toUtf8 = iconv_open("UTF-8", "UTF-16");
-    if (keeper == nullptr || toUtf16 == iconv_t(-1) || toUtf8 == iconv_t(-1))
+    if (keeper == nullptr || !isOpen(toUtf16) || !isOpen(toUtf8))
         throw std::runtime_error("Poppler or the character set converters are incomplete.");
     plainText("\u00e9");
     countCharacters("\u00e9");

@@ -19,13 +19,13 @@
 namespace tovi::decoder {
 namespace {
 
-constexpr std::size_t maximumFileBytes = 256 * 1024 * 1024;
+constexpr std::size_t maximumFileBytes = std::size_t{256} * 1024 * 1024;
 
 using Bytes = std::vector<std::byte>;
 
 /// The whole file, into memory: a mapping would end the process when the file shrinks.
 Bytes readAll(const FileDescriptor& file) {
-    Bytes bytes(1024 * 1024);
+    Bytes bytes(std::size_t{1024} * 1024);
     std::size_t size = 0;
     while (true) {
         const ssize_t count =

@@ -180,10 +180,12 @@ TEST_F(FakeDecoder, FailsAFileThatEndsItsDecoderTwice) {
 }
 
 TEST_F(FakeDecoder, TriesAFileOnceMore) {
-    DecoderPool pool(behaving("crash-once"));
-    EXPECT_EQ(readPdf(pool, pdf_).text, "fine");
-    EXPECT_EQ(readPdf(pool, pdf_).text, "fine");
-    EXPECT_EQ(starts("crash-once"), 2u);
+    for (const std::string behaviour : {"crash-once", "end-at-first-start"}) {
+        DecoderPool pool(behaving(behaviour));
+        EXPECT_EQ(readPdf(pool, pdf_).text, "fine");
+        EXPECT_EQ(readPdf(pool, pdf_).text, "fine");
+        EXPECT_EQ(starts(behaviour), 2u);
+    }
 }
 
 TEST_F(FakeDecoder, LosesPatience) {
