@@ -24,7 +24,7 @@ if(TOVI_SANITIZERS)
     add_compile_options(-fsanitize=${TOVI_SANITIZERS} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer
                         # GCC 12 sees uninitialised optionals in instrumented code that has none.
-                        -Wno-maybe-uninitialized)
+                        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=${TOVI_SANITIZERS})
 else()
     add_compile_options(-fstack-protector-strong)
