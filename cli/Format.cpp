@@ -19,10 +19,13 @@ std::string styled(const char* style, const std::string& text) {
 } // namespace
 
 std::string formatCount(std::int64_t count) {
-    std::string digits = std::to_string(count);
-    for (std::size_t end = digits.size(); end > 3; digits.insert(end, ","))
-        end -= 3;
-    return digits;
+    const std::string digits = std::to_string(count);
+    std::string text;
+    for (std::size_t at = 0; at < digits.size(); ++at) {
+        if (at > 0 && (digits.size() - at) % 3 == 0) text += ',';
+        text += digits[at];
+    }
+    return text;
 }
 
 std::string formatCount(std::int64_t count, const char* noun) {

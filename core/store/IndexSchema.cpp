@@ -50,8 +50,10 @@ constexpr const char* coveringIndexes =
     "CREATE INDEX IF NOT EXISTS files_scan"
     " ON files(root, path, size, modified, status, source, downloaded, kind);";
 
-// Pages are read straight from the system's cache, up to this many bytes of the file.
-constexpr const char* memoryMap = "PRAGMA mmap_size=4294967296;";
+// A first scan writes as much log as database; folding it in seldom saves a third of the time. Few
+// pages are mapped, so that a scan stays small; a reader maps all it can instead.
+constexpr const char* writerTuning = "PRAGMA wal_autocheckpoint=16000; PRAGMA mmap_size=67108864;";
+constexpr const char* readerTuning = "PRAGMA mmap_size=4294967296;";
 
 void sourceGroup(sqlite3_context* context, int, sqlite3_value** arguments) {
     if (sqlite3_value_type(arguments[0]) != SQLITE_TEXT) return sqlite3_result_null(context);
@@ -117,7 +119,7 @@ std::unique_ptr<Database> openIndexForWriting(const std::string& path) {
     makePrivate(path);
     refuseNewerVersion(*database);
     database->execute(settings);
-    database->execute(memoryMap);
+    database->execute(writerTuning);
     database->execute(schema);
     database->execute(updateTrigger);
     if (!hasDownloadedColumn(*database)) {
@@ -133,7 +135,7 @@ std::unique_ptr<Database> openIndexForReading(const std::string& path) {
     auto database = std::make_unique<Database>(path, Database::Access::readOnly);
     registerSourceGroup(*database);
     refuseNewerVersion(*database);
-    database->execute(memoryMap);
+    database->execute(readerTuning);
     return database;
 }
 
