@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <map>
 
 #include <CLI/CLI.hpp>
 #include <fcntl.h>
@@ -25,7 +24,6 @@ using namespace tovi;
 using bench::Prose;
 namespace fs = std::filesystem;
 
-constexpr std::uint64_t seed = 20'240'313;
 constexpr double newestFile = 1'710'000'000; // seconds since the epoch
 constexpr double span = 5 * 365 * 86'400.0;
 
@@ -36,7 +34,7 @@ std::string fileName(Prose& prose, std::size_t number, std::string_view extensio
 /// Text files in nested folders, about 10 kB each.
 void makeTexts(const std::string& folder, std::size_t count) {
     constexpr const char* extensions[] = {"txt", "txt", "txt", "md", "md", "csv", "log"};
-    Prose prose(seed);
+    Prose prose(bench::corpusSeed);
     std::vector<std::string> folders{folder};
     while (folders.size() < count / 25 + 1) {
         folders.push_back(folders[prose.below(folders.size())] + "/" + prose.anyWord());
@@ -104,7 +102,7 @@ void makeFile(const FileRecord& record) {
 /// A folder of empty files, a hundred in each directory, and an index that knows them all, as if
 /// they had been read.
 void makeIndex(const std::string& folder, const std::string& dataDirectory, std::size_t count) {
-    Prose prose(seed);
+    Prose prose(bench::corpusSeed);
     fs::create_directories(folder);
     const std::string root = fs::canonical(folder).string();
     IndexStore store(dataDirectory + "/index.sqlite");

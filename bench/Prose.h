@@ -8,6 +8,9 @@
 
 namespace tovi::bench {
 
+/// Of everything that `make-corpus` makes.
+inline constexpr std::uint64_t corpusSeed = 20'240'313;
+
 /// Made-up prose whose words are as unevenly frequent as those of a language (Zipf-Mandelbrot),
 /// each text with a subject whose words it repeats. The same seed gives the same texts anywhere.
 class Prose {
