@@ -2,8 +2,6 @@
 
 #include "platform/FileAttributes.h"
 
-#include <memory>
-#include <optional>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -15,7 +13,7 @@ namespace tovi::platform {
 class WalkItem {
   public:
     virtual const std::string& path() const = 0; // absolute
-    virtual const char* name() const = 0;
+    virtual std::string_view name() const = 0;
     /// From the directory entry where it tells, else from the attributes.
     virtual FileType type() = 0;
     /// Reads them on the first call; throws `std::system_error`.
@@ -25,12 +23,15 @@ class WalkItem {
     ~WalkItem() = default;
 };
 
-/// A directory the walk has opened and listed.
-struct WalkDirectory {
-    const std::string& path; // absolute
-    const FileDescriptor& descriptor;
-    const FileAttributes& attributes;
-    const std::vector<std::string_view>& names; // sorted by bytes
+/// A directory that a walk has opened and listed; valid during the call that receives it.
+class WalkDirectory {
+  public:
+    virtual const std::string& path() const = 0; // absolute
+    virtual const FileDescriptor& descriptor() const = 0;
+    virtual bool contains(std::string_view name) const = 0;
+
+  protected:
+    ~WalkDirectory() = default;
 };
 
 /// Decides what a walk does. All calls come from the walking thread.
@@ -40,25 +41,25 @@ class WalkVisitor {
 
     virtual ~WalkVisitor() = default;
 
-    /// Every entry but "." and "..", the entries of one directory in byte order of their names,
-    /// a directory's own entries right after it. `descend` matters for directories only.
-    virtual Step visit(WalkItem& item) = 0;
-
     /// After a directory was listed, before its entries are visited; the root comes first.
     virtual void enter(const WalkDirectory& directory) = 0;
+
+    /// Every entry of the directory entered last, in byte order of the names. A directory for
+    /// which it answers `descend` is walked before the next entry.
+    virtual Step visit(WalkItem& item) = 0;
 
     /// After the last entry of a directory that was entered.
     virtual void leave() = 0;
 
-    /// A directory that could not be opened or listed, or an item whose attributes failed inside
-    /// `visit`. The walk goes on.
+    /// A directory that could not be listed, whole or from here on, or an item whose attributes
+    /// could not be read inside `visit`. The walk goes on.
     virtual void failed(const std::string& path, const std::system_error& error) = 0;
 };
 
-/// Walks the tree below `root` with descriptors only: no link is followed, no path is resolved
-/// twice, at most one attribute call is made an entry, and a directory is entered only if it is
-/// the one that was seen. Throws `std::system_error` where the root itself cannot be listed and
-/// `Cancelled` between two entries.
+/// Walks the tree below `root` on descriptors: no link is followed, no path is resolved twice, at
+/// most one attribute call is made an entry, a directory that contains itself is not entered again
+/// (ELOOP), and depth is limited by memory only. Throws `std::system_error` where the root itself
+/// cannot be listed, and `Cancelled` between two entries.
 void walkDirectory(const std::string& root, WalkVisitor& visitor, const std::stop_token& stop);
 
 } // namespace tovi::platform

@@ -69,8 +69,21 @@ std::string readFile(const std::string& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-bool isRoot() {
-    return ::geteuid() == 0;
+namespace {
+constexpr uid_t nobody = 65534;
+}
+
+WithoutPrivileges::WithoutPrivileges(const TemporaryTree& tree) {
+    if (::geteuid() != 0) return;
+    bool done = ::lchown(tree.path().c_str(), nobody, nobody) == 0;
+    for (const auto& entry : fs::recursive_directory_iterator(tree.path())) {
+        done = done && ::lchown(entry.path().c_str(), nobody, nobody) == 0;
+    }
+    if (!done || ::seteuid(nobody) != 0) throw std::runtime_error("cannot drop privileges");
+}
+
+WithoutPrivileges::~WithoutPrivileges() {
+    if (::getuid() == 0 && ::seteuid(0) != 0) std::abort();
 }
 
 } // namespace tovi::test

@@ -30,7 +30,14 @@ class TemporaryTree {
 
 std::string readFile(const std::string& path);
 
-/// Whether the tests run as root, for whom no permission is ever missing.
-bool isRoot();
+/// For its lifetime permissions count even where the tests run as root, who lacks none: the
+/// process acts as the unprivileged user "nobody", who then owns the tree.
+class WithoutPrivileges {
+  public:
+    explicit WithoutPrivileges(const TemporaryTree& tree);
+    ~WithoutPrivileges();
+    WithoutPrivileges(const WithoutPrivileges&) = delete;
+    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+};
 
 } // namespace tovi::test
