@@ -12,7 +12,8 @@ namespace tovi::platform {
 
 FileDescriptor openDirectory(const std::string& path) {
     constexpr int flags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-    if (!path.starts_with('/')) throw systemError(path, EINVAL);
+    const bool endsInSlash = path.size() > 1 && path.back() == '/';
+    if (!path.starts_with('/') || endsInSlash) throw systemError(path, EINVAL);
     FileDescriptor directory(::open("/", flags));
     for (std::size_t at = 1; at < path.size();) {
         const std::size_t end = std::min(path.find('/', at), path.size());
@@ -45,13 +46,13 @@ DirectoryEntry DirectoryEntry::open(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string name = slash == std::string::npos ? "" : path.substr(slash + 1);
     if (name.empty() || name == "." || name == "..") throw systemError(path, EINVAL);
-    return {std::make_shared<FileDescriptor>(openDirectory(slash == 0 ? "/" : path.substr(0, slash))),
-            path};
+    return {
+        std::make_shared<FileDescriptor>(openDirectory(slash == 0 ? "/" : path.substr(0, slash))),
+        path};
 }
 
 DirectoryEntry::DirectoryEntry(std::shared_ptr<const FileDescriptor> directory, std::string path)
-    : directory_(std::move(directory)), path_(std::move(path)),
-      nameOffset_(path_.rfind('/') + 1) {}
+    : directory_(std::move(directory)), path_(std::move(path)), nameOffset_(path_.rfind('/') + 1) {}
 
 std::string DirectoryEntry::directoryPath() const {
     return nameOffset_ == 1 ? "/" : path_.substr(0, nameOffset_ - 1);
