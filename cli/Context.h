@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/records/FileRecord.h"
+#include "core/store/IndexStore.h"
+
+#include <memory>
+#include <stop_token>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+namespace tovi::cli {
+
+using Json = nlohmann::ordered_json;
+
+/// What the program ends with; documented in `tovictl --help` and the manual.
+enum ExitCode {
+    done = 0,
+    failed = 1,
+    wrongUsage = 2,
+    needsAttention = 3,
+    interrupted = 130,
+};
+
+/// What the commands share. One object, filled by the command line, lives through `main`.
+struct Context {
+    std::string dataDirectory;
+    bool json = false;
+    std::stop_token stop; // requested by Ctrl-C or a termination signal
+    int exitCode = ExitCode::done;
+
+    std::string indexPath() const { return dataDirectory + "/index.sqlite"; }
+
+    /// The index for reading; throws a sentence that names the next step where there is none.
+    std::unique_ptr<IndexStore> openIndexForReading() const;
+    std::unique_ptr<IndexStore> openIndexForWriting() const;
+
+    void print(const Json& value) const;
+};
+
+/// `path` made absolute against the working directory, without "." and ".." and final slashes.
+std::string absolutePath(const std::string& path);
+
+void addIndexCommand(CLI::App& app, Context& context);
+void addSearchCommand(CLI::App& app, Context& context);
+void addShowCommand(CLI::App& app, Context& context);
+void addStatusCommand(CLI::App& app, Context& context);
+void addForgetCommand(CLI::App& app, Context& context);
+void addClearCommand(CLI::App& app, Context& context);
+
+} // namespace tovi::cli

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "base/Date.h"
+#include "core/records/FileKind.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tovi {
+
+/// A search: filters and the free text that is left.
+struct SearchQuery {
+    std::string text; // words separated by single spaces; may be empty
+    std::optional<FileKind> kind;
+    std::optional<Date> modifiedAfter;       // included
+    std::optional<Date> modifiedBefore;      // not included
+    std::optional<std::int64_t> minimumSize; // bytes
+    std::optional<std::string> source;       // a host name or a word of a stored address
+    std::vector<std::string> chips;          // how the phrase was understood, in order
+    bool screenshotsOnly = false;
+
+    friend bool operator==(const SearchQuery&, const SearchQuery&) = default;
+};
+
+} // namespace tovi

@@ -1,0 +1,285 @@
+#include "core/store/IndexStore.h"
+
+#include "base/Cancelled.h"
+#include "core/records/IntelligenceError.h"
+#include "core/store/IndexSchema.h"
+#include "core/store/SearchStatement.h"
+
+#include <filesystem>
+
+namespace tovi {
+namespace {
+
+constexpr const char* upsertStatement =
+    "INSERT INTO files(path,name,kind,size,created,modified,indexed,content,status,source,checksum,"
+    "root,downloaded) VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)\n"
+    "ON CONFLICT(path) DO UPDATE SET name=excluded.name,kind=excluded.kind,size=excluded.size,"
+    "created=excluded.created,modified=excluded.modified,indexed=excluded.indexed,"
+    "content=excluded.content,status=excluded.status,source=excluded.source,"
+    "checksum=excluded.checksum,root=excluded.root,downloaded=excluded.downloaded";
+
+constexpr const char* scanStatement =
+    "SELECT path,size,modified,status,source,downloaded FROM files WHERE root = ?";
+
+constexpr const char* metadataStatement =
+    "UPDATE files SET source = ?, downloaded = ? WHERE path = ?";
+
+std::optional<std::string> optionalText(const Statement& row, int column) {
+    if (row.isNull(column)) return std::nullopt;
+    return std::string(row.text(column));
+}
+
+std::optional<Date> optionalDate(const Statement& row, int column) {
+    if (row.isNull(column)) return std::nullopt;
+    return Date{row.real(column)};
+}
+
+std::optional<double> seconds(const std::optional<Date>& date) {
+    if (!date) return std::nullopt;
+    return date->seconds;
+}
+
+FileRecord recordOf(const Statement& row, IndexStore::Content content) {
+    FileRecord record;
+    record.path = row.text(0);
+    record.name = row.text(1);
+    record.kind = fileKindFromRawValue(row.text(2)).value_or(FileKind::other);
+    record.size = row.integer(3);
+    record.createdAt = {row.real(4)};
+    record.modifiedAt = {row.real(5)};
+    record.indexedAt = {row.real(6)};
+    if (content == IndexStore::Content::included) record.content = row.text(7);
+    record.contentStatus = row.text(8);
+    record.sourceURL = optionalText(row, 9);
+    record.sha256 = optionalText(row, 10);
+    record.rootPath = row.text(11);
+    record.downloadedAt = optionalDate(row, 12);
+    return record;
+}
+
+std::int64_t sizeWithLog(const std::string& path) {
+    std::int64_t total = 0;
+    for (const char* suffix : {"", "-wal"}) {
+        std::error_code missing;
+        const auto size = std::filesystem::file_size(path + suffix, missing);
+        if (!missing) total += static_cast<std::int64_t>(size);
+    }
+    return total;
+}
+
+} // namespace
+
+std::int64_t IndexSummary::total() const {
+    std::int64_t files = 0;
+    for (const auto& [kind, count] : filesByKind)
+        files += count;
+    return files;
+}
+
+IndexStore::IndexStore(const std::string& path, Access access)
+    : path_(path),
+      db_(access == Access::readWrite ? openIndexForWriting(path) : openIndexForReading(path)) {}
+
+Statement& IndexStore::prepared(const char* sql) {
+    const auto found = statements_.find(sql);
+    if (found != statements_.end()) return found->second;
+    return statements_.try_emplace(sql, *db_, sql).first->second;
+}
+
+std::uint64_t IndexStore::changeRevision() {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "PRAGMA data_version");
+    statement.step();
+    const std::int64_t version = statement.integer(0);
+    if (observedDataVersion_ && *observedDataVersion_ != version) ++revision_;
+    observedDataVersion_ = version;
+    return revision_;
+}
+
+void IndexStore::upsert(const FileRecord& record) {
+    const std::lock_guard lock(mutex_);
+    Statement& statement = prepared(upsertStatement);
+    statement.bind(record.path).bind(record.name).bind(rawValue(record.kind)).bind(record.size);
+    statement.bind(record.createdAt.seconds).bind(record.modifiedAt.seconds);
+    statement.bind(record.indexedAt.seconds).bind(record.content).bind(record.contentStatus);
+    statement.bind(record.sourceURL).bind(record.sha256).bind(record.rootPath);
+    statement.bind(seconds(record.downloadedAt));
+    statement.run();
+    ++revision_;
+}
+
+std::vector<FileRecord> IndexStore::readAll(Statement& statement, Content content,
+                                            const std::stop_token& stop) {
+    const InterruptOnStop interrupt(*db_, stop);
+    std::vector<FileRecord> records;
+    try {
+        while (statement.step()) {
+            throwIfCancelled(stop);
+            records.push_back(recordOf(statement, content));
+        }
+    } catch (const IntelligenceError&) {
+        throwIfCancelled(stop); // what failed is the interrupted statement
+        throw;
+    }
+    return records;
+}
+
+std::vector<FileRecord> IndexStore::allFiles(const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT * FROM files ORDER BY modified DESC, path ASC");
+    return readAll(statement, Content::included, stop);
+}
+
+std::vector<FileRecord> IndexStore::search(const SearchQuery& query, std::int64_t limit,
+                                           std::int64_t offset, Content content,
+                                           const std::stop_token& stop) {
+    const SearchStatement search = searchStatement(query, limit, offset);
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, search.sql);
+    for (const auto& value : search.values) {
+        std::visit([&](const auto& bound) { statement.bind(bound); }, value);
+    }
+    return readAll(statement, content, stop);
+}
+
+std::optional<FileRecord> IndexStore::record(const std::string& path) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT * FROM files WHERE path = ?");
+    statement.bind(path);
+    if (!statement.step()) return std::nullopt;
+    return recordOf(statement, Content::included);
+}
+
+std::vector<IndexScanRecord> IndexStore::scanRecords(const std::string& rootPath) {
+    std::vector<IndexScanRecord> records;
+    forEachScanRecord(rootPath, [&](const IndexScanRecord& record) { records.push_back(record); });
+    return records;
+}
+
+void IndexStore::forEachScanRecord(const std::string& rootPath,
+                                   const std::function<void(const IndexScanRecord&)>& each) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, scanStatement);
+    statement.bind(rootPath);
+    IndexScanRecord record; // reused, so that a million rows allocate a few strings
+    while (statement.step()) {
+        record.path = statement.text(0);
+        record.size = statement.integer(1);
+        record.modifiedAt = {statement.real(2)};
+        record.contentStatus = statement.text(3);
+        record.sourceURL = optionalText(statement, 4);
+        record.downloadedAt = optionalDate(statement, 5);
+        each(record);
+    }
+}
+
+void IndexStore::updateDownloadMetadata(const std::string& path,
+                                        const std::optional<std::string>& sourceURL,
+                                        const std::optional<Date>& downloadedAt) {
+    const std::lock_guard lock(mutex_);
+    Statement& statement = prepared(metadataStatement);
+    statement.bind(sourceURL).bind(seconds(downloadedAt)).bind(path);
+    statement.run();
+    if (db_->changes() > 0) ++revision_;
+}
+
+void IndexStore::remove(const std::vector<std::string>& paths) {
+    if (paths.empty()) return;
+    const std::lock_guard lock(mutex_);
+    std::int64_t removed = 0;
+    db_->execute("BEGIN IMMEDIATE");
+    try {
+        Statement statement(*db_, "DELETE FROM files WHERE path = ?");
+        for (const std::string& path : paths) {
+            statement.bind(path);
+            statement.run();
+            removed += db_->changes();
+        }
+        db_->execute("COMMIT");
+    } catch (const IntelligenceError&) {
+        try {
+            db_->execute("ROLLBACK");
+        } catch (const IntelligenceError&) {
+            // The first failure is the one to report.
+        }
+        throw;
+    }
+    if (removed > 0) ++revision_;
+}
+
+void IndexStore::removeRoot(const std::string& rootPath) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "DELETE FROM files WHERE root = ?");
+    statement.bind(rootPath);
+    statement.run();
+    if (db_->changes() > 0) ++revision_;
+}
+
+void IndexStore::adoptRows(const std::string& rootPath) {
+    const std::lock_guard lock(mutex_);
+    // "0" follows "/". Of two roots that hold rows below this one, the shorter lies above it.
+    Statement statement(*db_, "UPDATE files SET root = ?1 WHERE path > ?1 || '/' AND "
+                              "path < ?1 || '0' AND length(root) < length(?1)");
+    statement.bind(rootPath);
+    statement.run();
+    if (db_->changes() > 0) ++revision_;
+}
+
+void IndexStore::clear() {
+    const std::lock_guard lock(mutex_);
+    db_->execute("DELETE FROM files;");
+    ++revision_;
+    db_->execute("INSERT INTO files_fts(files_fts) VALUES('rebuild'); "
+                 "PRAGMA wal_checkpoint(TRUNCATE); VACUUM;");
+}
+
+std::vector<std::string> IndexStore::roots() {
+    const std::lock_guard lock(mutex_);
+    // One look-up a root instead of a run through all rows.
+    Statement next(*db_, "SELECT min(root) FROM files WHERE root > ?");
+    std::vector<std::string> roots;
+    for (std::string last;; last = roots.back()) {
+        next.bind(last);
+        if (!next.step() || next.isNull(0)) return roots;
+        roots.emplace_back(next.text(0));
+        next.reset();
+    }
+}
+
+IndexSummary IndexStore::summary(const std::optional<std::string>& rootPath) {
+    const std::lock_guard lock(mutex_);
+    const auto countBy = [&](const std::string& column, const auto& add) {
+        const std::string condition = rootPath ? " WHERE root = ?" : "";
+        Statement counts(*db_, "SELECT " + column + ", count(*) FROM files" + condition +
+                                   " GROUP BY " + column);
+        if (rootPath) counts.bind(*rootPath);
+        while (counts.step())
+            add(std::string(counts.text(0)), counts.integer(1));
+    };
+    IndexSummary summary;
+    countBy("kind", [&](const std::string& kind, std::int64_t count) {
+        summary.filesByKind[fileKindFromRawValue(kind).value_or(FileKind::other)] += count;
+    });
+    countBy("status", [&](const std::string& status, std::int64_t count) {
+        summary.filesByStatus[status] = count;
+    });
+    countBy("root", [&](const std::string& root, std::int64_t count) {
+        summary.filesByRoot[root] = count;
+    });
+    summary.databaseSize = sizeWithLog(path_);
+    return summary;
+}
+
+std::vector<std::pair<std::string, std::string>>
+IndexStore::filesWithStatus(const std::string& prefix, std::int64_t limit) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT path, status FROM files WHERE status LIKE ? ESCAPE '\\' "
+                              "ORDER BY root, path LIMIT ?");
+    statement.bind(escapedForLike(prefix) + '%').bind(limit);
+    std::vector<std::pair<std::string, std::string>> files;
+    while (statement.step())
+        files.emplace_back(statement.text(0), statement.text(1));
+    return files;
+}
+
+} // namespace tovi

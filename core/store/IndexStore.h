@@ -1,0 +1,101 @@
+#pragma once
+
+#include "core/records/FileRecord.h"
+#include "core/search/SearchQuery.h"
+#include "core/store/Database.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace tovi {
+
+/// What the index holds, in numbers.
+struct IndexSummary {
+    std::map<FileKind, std::int64_t> filesByKind;
+    std::map<std::string, std::int64_t> filesByStatus;
+    std::map<std::string, std::int64_t> filesByRoot;
+    std::int64_t databaseSize = 0; // bytes, with the log beside it
+
+    std::int64_t total() const;
+};
+
+/// Owns the connection to the index, the file "index.sqlite". May be called from any thread: each
+/// operation holds the one lock for as long as it runs. Other processes may read meanwhile, and a
+/// second writer waits up to five seconds for the first.
+///
+/// Every operation throws `IntelligenceError` of the kind `database` on failure; those that take a
+/// stop token throw `Cancelled`.
+class IndexStore {
+  public:
+    using Access = Database::Access;
+    enum class Content { included, leftOut };
+
+    explicit IndexStore(const std::string& path, Access access = Access::readWrite);
+
+    /// A number that moves with every change of the index, by this process or another.
+    std::uint64_t changeRevision();
+
+    void upsert(const FileRecord& record);
+
+    /// All files, newest first, ties by path.
+    std::vector<FileRecord> allFiles(const std::stop_token& stop = {});
+
+    /// One page, newest first, ties by path; `limit` is taken as 1 to 100,000, `offset` as 0 or
+    /// more. With `leftOut` the records' `content` is empty and the texts are not read.
+    std::vector<FileRecord> search(const SearchQuery& query, std::int64_t limit,
+                                   std::int64_t offset, Content content = Content::included,
+                                   const std::stop_token& stop = {});
+
+    std::optional<FileRecord> record(const std::string& path);
+
+    std::vector<IndexScanRecord> scanRecords(const std::string& rootPath);
+
+    /// The same rows one at a time, for roots of any size; `each` must not call the store.
+    void forEachScanRecord(const std::string& rootPath,
+                           const std::function<void(const IndexScanRecord&)>& each);
+
+    void updateDownloadMetadata(const std::string& path,
+                                const std::optional<std::string>& sourceURL,
+                                const std::optional<Date>& downloadedAt);
+
+    /// Deletes the rows of the paths, all or none.
+    void remove(const std::vector<std::string>& paths);
+
+    void removeRoot(const std::string& rootPath);
+
+    /// Hands the rows below `rootPath` that a connected folder above it holds over to it.
+    void adoptRows(const std::string& rootPath);
+
+    /// Empties the index and compacts its file, so that no text lingers in free pages.
+    void clear();
+
+    /// The connected folders that have files in the index, in byte order.
+    std::vector<std::string> roots();
+
+    /// Of the whole index, or of one connected folder.
+    IndexSummary summary(const std::optional<std::string>& rootPath = std::nullopt);
+
+    /// Path and status of the files whose content status starts with `prefix`, by path.
+    std::vector<std::pair<std::string, std::string>> filesWithStatus(const std::string& prefix,
+                                                                     std::int64_t limit);
+
+  private:
+    Statement& prepared(const char* sql);
+    std::vector<FileRecord> readAll(Statement& statement, Content content,
+                                    const std::stop_token& stop);
+
+    std::mutex mutex_; // guards everything below
+    std::string path_;
+    std::unique_ptr<Database> db_;
+    std::map<const char*, Statement> statements_;
+    std::uint64_t revision_ = 0;
+    std::optional<std::int64_t> observedDataVersion_;
+};
+
+} // namespace tovi
