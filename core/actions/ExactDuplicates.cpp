@@ -87,10 +87,6 @@ class Search {
 
     ExactDuplicates run() {
         {
-            const std::stop_callback wake(stop_, [this] {
-                const std::lock_guard guard(mutex_);
-                changed_.notify_all();
-            });
             std::vector<std::jthread> helpers;
             const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
             for (unsigned helper = 1; helper < cores; ++helper)
@@ -143,7 +139,8 @@ class Search {
                 }
                 return step;
             }
-            changed_.wait(lock);
+            changed_.wait(lock, stop_,
+                          [this] { return !rest_.empty() || finishedGroups_ == groups_.size(); });
         }
     }
 
@@ -284,7 +281,7 @@ class Search {
     std::size_t total_ = 0;
 
     std::mutex mutex_; // over all that follows
-    std::condition_variable changed_;
+    std::condition_variable_any changed_;
     std::deque<Step> rest_; // goes before new first chunks, so that few groups are open at a time
     std::size_t nextGroup_ = 0;
     std::size_t nextMember_ = 0;
