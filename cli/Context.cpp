@@ -32,4 +32,8 @@ std::string absolutePath(const std::string& path) {
     return result;
 }
 
+std::string decoderPath() {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "tovi-decoder";
+}
+
 } // namespace tovi::cli

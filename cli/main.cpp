@@ -3,6 +3,7 @@
 #include "cli/Context.h"
 #include "cli/Interruption.h"
 #include "core/records/IntelligenceError.h"
+#include "platform/Sandbox.h"
 #include "platform/StandardLocations.h"
 
 #include <clocale>
@@ -40,6 +41,13 @@ int run(int argc, char** argv, Context& context) {
     addStatusCommand(app, context);
     addForgetCommand(app, context);
     addClearCommand(app, context);
+    addDuplicatesCommand(app, context);
+    addTrashCommand(app, context);
+    addRenameCommand(app, context);
+    addHistoryCommand(app, context);
+    addUndoCommand(app, context);
+    addPrivacyCommand(app, context);
+    addVaultCommand(app, context);
     app.parse_complete_callback([&] {
         context.dataDirectory = context.dataDirectory.empty() ? platform::dataHome() + "/Ardeno"
                                                               : absolutePath(context.dataDirectory);
@@ -61,6 +69,7 @@ int main(int argc, char** argv) {
     Context context;
     context.stop = interruption.token();
     try {
+        platform::refuseInternetSockets();
         return run(argc, argv, context);
     } catch (const Cancelled&) {
         fmt::print(stderr, "Interrupted.\n");

@@ -24,7 +24,7 @@ if(TOVI_SANITIZERS)
     add_compile_options(-fsanitize=${TOVI_SANITIZERS} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer
                         # GCC 12 sees uninitialised optionals in instrumented code that has none.
-                        -Wno-maybe-uninitialized)
+                        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=${TOVI_SANITIZERS})
 else()
     add_compile_options(-fstack-protector-strong)
@@ -50,6 +50,16 @@ function(tovi_executable name)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${ARG_USES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+endfunction()
+
+# tovi_plain_executable(NAME SOURCES file… USES target…): a program without sanitizers, which is why
+# it takes the sources of what it uses and not the project's libraries.
+function(tovi_plain_executable name)
+    tovi_executable(${name} ${ARGN})
+    if(TOVI_SANITIZERS)
+        target_compile_options(${name} PRIVATE -fno-sanitize=all)
+        target_link_options(${name} PRIVATE -fno-sanitize=all)
+    endif()
 endfunction()
 
 # tovi_test(NAME SOURCES file… USES target…): one GoogleTest program; every case is a CTest test.

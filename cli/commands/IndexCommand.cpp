@@ -5,6 +5,7 @@
 #include "core/indexing/FileIndexer.h"
 #include "core/records/IntelligenceError.h"
 #include "core/store/IndexFiles.h"
+#include "decoder/client/DecoderPool.h"
 #include "platform/StandardLocations.h"
 
 #include <algorithm>
@@ -26,19 +27,6 @@ struct IndexArguments {
 };
 
 constexpr std::size_t errorsShown = 20;
-
-/// Stands for the readers of formats that this build cannot read.
-class NoReader final : public PdfReader, public PictureTextReader {
-  public:
-    PdfText readPdf(const FileDescriptor&, int, std::size_t, const ReadOptions&,
-                    const std::stop_token&) override {
-        throw std::runtime_error("No reader for this format is installed");
-    }
-    std::string readPictureText(const FileDescriptor&, int, std::size_t, const ReadOptions&,
-                                const std::stop_token&) override {
-        throw std::runtime_error("No reader for this format is installed");
-    }
-};
 
 std::optional<std::string> downloadsDirectory() {
     const auto folder = platform::downloadsDirectory();
@@ -95,8 +83,8 @@ void printStatuses(const std::map<std::string, std::int64_t>& statuses) {
 
 void index(const IndexArguments& arguments, Context& context) {
     const platform::SystemAvailability availability;
-    NoReader reader;
-    const ContentExtractor extractor(reader, reader);
+    decoder::DecoderPool decoders({.program = decoderPath()});
+    const ContentExtractor extractor(decoders, decoders);
     const FileIndexer indexer(availability, extractor,
                               {.downloadsDirectory = downloadsDirectory(),
                                .readers = std::max(1U, std::thread::hardware_concurrency())});

@@ -38,7 +38,7 @@ std::string moveIndexAside(const std::string& path, Date date) {
     std::string stamp = iso8601(date);
     std::replace(stamp.begin(), stamp.end(), ':', '-');
     const std::size_t dot = path.rfind('.');
-    const std::string aside = path.substr(0, dot) + "-" + stamp + path.substr(dot);
+    std::string aside = path.substr(0, dot) + "-" + stamp + path.substr(dot);
     for (const char* suffix : suffixes) {
         const int result = ::renameat2(AT_FDCWD, (path + suffix).c_str(), AT_FDCWD,
                                        (aside + suffix).c_str(), RENAME_NOREPLACE);

@@ -92,7 +92,8 @@ class Walk {
         FileDescriptor directory(
             ::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         if (!directory.isOpen()) throw systemError(root);
-        push(std::move(directory), attributesOf(directory, root));
+        const FileAttributes attributes = attributesOf(directory, root);
+        push(std::move(directory), attributes);
         while (depth_ > 0) {
             throwIfCancelled(stop_);
             Level& level = top();

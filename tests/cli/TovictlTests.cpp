@@ -101,6 +101,28 @@ TEST_F(TovictlTest, ShowsAFileAndTheState) {
                 StartsWith("Extraction failed: "));
 }
 
+TEST_F(TovictlTest, FindsTheWordsOfPdfsAndPictures) {
+    const std::string fixtures = std::string(TOVI_TEST_DATA) + "/decoder/";
+    for (const char* name : {"owner-password.pdf", "user-password.pdf", "screenshot.png"})
+        tree.write(name, test::readFile(fixtures + name));
+    const Json statuses = json({"index", tree.path()})["reports"][0]["statuses"];
+    EXPECT_EQ(statuses["PDF text indexed"], 1);
+    EXPECT_EQ(statuses["Metadata only — encrypted PDF"], 1);
+    EXPECT_EQ(statuses["Apple Vision OCR — verify against original"], 1);
+    EXPECT_THAT(namesFound("Behind"), ElementsAre("owner-password.pdf"));
+    EXPECT_THAT(namesFound("Margarethe"), ElementsAre("screenshot.png"));
+}
+
+TEST_F(TovictlTest, ChecksWhatIsEnforced) {
+    const ProgramResult result = run({"privacy", "--json"});
+    const Json privacy = Json::parse(result.output, nullptr, false);
+    EXPECT_EQ(privacy["internetSocketsRefused"], true);
+    EXPECT_EQ(privacy["decoder"]["systemCallFilter"], true);
+    EXPECT_EQ(privacy["decoder"]["coreBytes"], 0);
+    EXPECT_EQ(result.exitCode, privacy["decoder"]["landlockVersion"] > 0 ? 0 : 3);
+    EXPECT_THAT(run({"privacy"}).output, HasSubstr("Refused to make internet sockets   yes"));
+}
+
 TEST_F(TovictlTest, PagesAndPrintsNamesOnOneLine) {
     for (const char* name : {"a.txt", "b\nb.txt", "c.txt"}) {
         tree.write(name, "x");

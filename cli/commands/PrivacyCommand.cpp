@@ -1,0 +1,64 @@
+#include "cli/Context.h"
+#include "cli/Format.h"
+#include "decoder/client/DecoderPool.h"
+#include "platform/Sandbox.h"
+
+#include <fmt/format.h>
+
+namespace tovi::cli {
+namespace {
+
+constexpr const char* withoutLandlock =
+    "This kernel has no Landlock. The system-call filter alone keeps decoders from opening\n"
+    "files, and PDFs in Chinese, Japanese or Korean that bring no font tables are read less well.";
+
+const char* yesOrNo(bool value) {
+    return value ? "yes" : "NO";
+}
+
+void printText(bool socketsRefused, const decoder::Confinement& decoder) {
+    fmt::print("{}\n", bold("This program"));
+    fmt::print("  {:34} {}\n", "Refused to make internet sockets", yesOrNo(socketsRefused));
+    fmt::print("\n{}\n", bold("The programs that read PDFs and pictures"));
+    fmt::print("  {:34} {}\n", "System-call filter", yesOrNo(decoder.systemCallFilter));
+    fmt::print("  {:34} {}\n", "Landlock",
+               decoder.landlockVersion > 0 ? fmt::format("version {}", decoder.landlockVersion)
+                                           : "MISSING");
+    fmt::print("  {:34} {}\n", "Cannot gain privileges", yesOrNo(decoder.noNewPrivileges));
+    fmt::print("  {:34} {} MB\n", "Memory at most", decoder.memoryBytes / (1024 * 1024));
+    fmt::print("  {:34} {} s\n", "Processor time at most", decoder.cpuSeconds);
+    fmt::print("  {:34} {}\n", "Open files at most", decoder.openFiles);
+    fmt::print("  {:34} {}\n", "No core dumps", yesOrNo(decoder.coreBytes == 0));
+    if (decoder.landlockVersion == 0) fmt::print("\n{}\n", withoutLandlock);
+}
+
+void printJson(bool socketsRefused, const decoder::Confinement& decoder, const Context& context) {
+    context.print({{"internetSocketsRefused", socketsRefused},
+                   {"decoder",
+                    {{"systemCallFilter", decoder.systemCallFilter},
+                     {"landlockVersion", decoder.landlockVersion},
+                     {"noNewPrivileges", decoder.noNewPrivileges},
+                     {"memoryBytes", decoder.memoryBytes},
+                     {"cpuSeconds", decoder.cpuSeconds},
+                     {"openFiles", decoder.openFiles},
+                     {"coreBytes", decoder.coreBytes}}}});
+}
+
+void checkPrivacy(Context& context) {
+    const bool socketsRefused = !platform::canMakeInternetSocket();
+    const decoder::Confinement decoder =
+        decoder::DecoderPool({.program = decoderPath()}).confinement(context.stop);
+    const bool whole = socketsRefused && decoder.systemCallFilter && decoder.noNewPrivileges &&
+                       decoder.landlockVersion > 0 && decoder.coreBytes == 0;
+    if (!whole) context.exitCode = ExitCode::needsAttention;
+    context.json ? printJson(socketsRefused, decoder, context) : printText(socketsRefused, decoder);
+}
+
+} // namespace
+
+void addPrivacyCommand(CLI::App& app, Context& context) {
+    app.add_subcommand("privacy", "Check what is enforced on this machine, now")
+        ->callback([&context] { checkPrivacy(context); });
+}
+
+} // namespace tovi::cli

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "decoder/protocol/Message.h"
+
+#include <cstddef>
+#include <span>
+
+namespace tovi::decoder {
+
+/// Loads all that serving `task` reads from files, so that no file need be opened afterwards.
+void prepare(Task task);
+
+/// Answers requests for `task` on `socket` until the other end is gone or breaks the protocol.
+/// Text, pixels and sentences go to the start of `result`. A file is closed before it is decoded.
+void serve(Task task, int socket, std::span<std::byte> result);
+
+} // namespace tovi::decoder
