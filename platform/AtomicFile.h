@@ -14,6 +14,10 @@ namespace tovi::platform {
 /// is then untouched unless only the directory's sync failed.
 void replaceFile(const DirectoryEntry& file, std::string_view bytes);
 
+/// Removes what replacements of this file, or of files whose names begin with its name and a dot,
+/// left beside it when the process ended. Only for the one process that may replace them.
+void removeUnfinishedReplacements(const DirectoryEntry& file);
+
 /// The whole file, or nothing if there is none. Throws `std::system_error`, with EFBIG for a file
 /// longer than `limit` bytes.
 std::optional<std::string> readFile(const DirectoryEntry& file, std::size_t limit);

@@ -32,8 +32,8 @@ class Trash {
     virtual TrashedItem move(const DirectoryEntry& item, const Announce& announce) = 0;
 
     /// Removes the Trash's note about an item that is not at `trashedPath`, because it was
-    /// restored or never came. Does nothing if something is there, or if the note names another
-    /// original than `originalPath`.
+    /// restored or never came. Does nothing if something is there, or if the note is written and
+    /// names another original than `originalPath`.
     virtual void forget(const std::string& trashedPath, const std::string& originalPath) = 0;
 };
 

@@ -1,5 +1,7 @@
 #include "core/actions/ActionJson.h"
 
+#include "core/files/Base64.h"
+
 #include <algorithm>
 #include <initializer_list>
 #include <stdexcept>
@@ -10,49 +12,6 @@ namespace tovi {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr std::string_view base64Digits =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
-// RFC 4648, section 4.
-std::string base64(std::string_view bytes) {
-    std::string text;
-    for (std::size_t at = 0; at < bytes.size(); at += 3) {
-        std::uint32_t group = 0;
-        for (std::size_t i = 0; i < 3; ++i) {
-            const char byte = at + i < bytes.size() ? bytes[at + i] : '\0';
-            group = group << 8 | static_cast<unsigned char>(byte);
-        }
-        for (std::size_t i = 0; i < 4; ++i) {
-            const bool isPadding = at + i > bytes.size();
-            text += isPadding ? '=' : base64Digits[group >> (18 - 6 * i) & 63];
-        }
-    }
-    return text;
-}
-
-std::string bytesOfBase64(std::string_view text) {
-    if (text.size() % 4 != 0) throw std::runtime_error("base64 of an odd length");
-    std::string bytes;
-    for (std::size_t at = 0; at < text.size(); at += 4) {
-        std::uint32_t group = 0;
-        std::size_t padding = 0;
-        for (std::size_t i = 0; i < 4; ++i) {
-            const char digit = text[at + i];
-            const std::size_t value = base64Digits.find(digit);
-            const bool isPadding = digit == '=' && at + 4 == text.size() && i >= 2;
-            if (isPadding) ++padding;
-            if ((value == std::string_view::npos && !isPadding) || (padding > 0 && !isPadding)) {
-                throw std::runtime_error("not base64");
-            }
-            group = group << 6 | (isPadding ? 0U : static_cast<std::uint32_t>(value));
-        }
-        for (std::size_t i = 0; i < 3 - padding; ++i) {
-            bytes += static_cast<char>(group >> (16 - 8 * i) & 255);
-        }
-    }
-    return bytes;
-}
 
 std::string_view rawValue(FileOperation operation) {
     return operation == FileOperation::trash ? "trash" : "rename";
@@ -126,7 +85,7 @@ Json toJson(const ActionEntry& entry) {
               {"operation", rawValue(entry.operation)},
               {"snapshot", toJson(entry.snapshot)},
               {"restored", entry.restored}};
-    if (entry.bookmark) json["bookmark"] = base64(*entry.bookmark);
+    if (entry.bookmark) json["bookmark"] = toBase64(*entry.bookmark);
     return json;
 }
 
@@ -150,7 +109,8 @@ ActionEntry entryFromJson(const Json& json) {
                       json.at("restored"),
                       {}};
     if (json.contains("bookmark")) {
-        entry.bookmark = bytesOfBase64(json.at("bookmark").get<std::string>());
+        entry.bookmark = fromBase64(json.at("bookmark").get<std::string>());
+        if (!entry.bookmark) throw std::runtime_error("a bookmark is not base64");
     }
     return entry;
 }

@@ -80,7 +80,9 @@ ActionReceipt* ActionLog::find(const Uuid& id) {
 
 std::optional<ProcessLock> ActionLog::tryLock() const {
     try {
-        return ProcessLock::tryTake(path_ + ".lock");
+        auto lock = ProcessLock::tryTake(path_ + ".lock");
+        if (lock) platform::removeUnfinishedReplacements(DirectoryEntry::open(path_));
+        return lock;
     } catch (const std::system_error& error) {
         throw ActionError("The action history could not be saved: " + printable(error.what()));
     }

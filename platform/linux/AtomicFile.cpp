@@ -2,9 +2,10 @@
 
 #include "base/SystemError.h"
 
-#include <cstdlib>
+#include <memory>
 #include <random>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -12,12 +13,14 @@
 namespace tovi::platform {
 namespace {
 
+constexpr std::string_view unfinishedSuffix = ".new";
+
 /// The file that holds the new bytes until it takes its place; removed if it does not.
 class Replacement {
   public:
     explicit Replacement(const DirectoryEntry& target)
-        : entry_(
-              target.sibling(fmt::format("{}.{:08x}.new", target.name(), std::random_device{}()))),
+        : entry_(target.sibling(
+              fmt::format("{}.{:08x}{}", target.name(), std::random_device{}(), unfinishedSuffix))),
           file_(::openat(entry_.directory().get(), entry_.name(),
                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)) {
         if (!file_.isOpen()) throw systemError(entry_.path());
@@ -65,6 +68,21 @@ void replaceFile(const DirectoryEntry& file, std::string_view bytes) {
     replacement.write(bytes);
     replacement.placeAt(file);
     if (const auto error = file.syncDirectory()) throw systemError(file.path(), error.value());
+}
+
+void removeUnfinishedReplacements(const DirectoryEntry& file) {
+    const std::string start = std::string(file.name()) + ".";
+    FileDescriptor readable(
+        ::openat(file.directory().get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::fdopendir(readable.get()), ::closedir);
+    if (!listing) return;
+    readable.release();
+    while (const dirent* item = ::readdir(listing.get())) {
+        const std::string_view name = item->d_name;
+        if (name.starts_with(start) && name.ends_with(unfinishedSuffix)) {
+            ::unlinkat(file.directory().get(), item->d_name, 0);
+        }
+    }
 }
 
 std::optional<std::string> readFile(const DirectoryEntry& file, std::size_t limit) {

@@ -242,7 +242,8 @@ void TrashDirectory::forget(const std::string& name, const std::string& original
         if (!text || item(name).attributes()) return;
         auto original = pathOfTrashNote(*text);
         if (original && !original->starts_with('/')) original = below(topPath_, *original);
-        if (original != originalPath) return;
+        // A crash may have left the note empty.
+        if (!text->empty() && original != originalPath) return;
         ::unlinkat(notes_->get(), entry.name(), 0);
         entry.syncDirectory();
         rewriteDirectorySizes(name, "");
