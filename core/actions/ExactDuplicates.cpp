@@ -196,13 +196,17 @@ class Search {
     bool readRest(Candidate& candidate, std::vector<std::byte>& buffer) {
         const FileRecord& record = *candidate.record;
         FileDescriptor file = std::move(candidate.file);
-        if (!file.isOpen()) file = openFile(record.path);
-        if (!file.isOpen()) return false;
         struct stat status {};
-        if (!isUnchanged(file, record, status)) return false;
-        if (FileNumber{status.st_dev, status.st_ino} != candidate.number) return false;
-        if (::lseek(file.get(), firstChunk, SEEK_SET) < 0) return false;
-        ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+        if (!file.isOpen()) {
+            file = openFile(record.path);
+            if (!file.isOpen() || !isUnchanged(file, record, status)) return false;
+            if (FileNumber{status.st_dev, status.st_ino} != candidate.number) return false;
+            if (::lseek(file.get(), firstChunk, SEEK_SET) < 0) return false;
+        }
+        constexpr std::int64_t worthReadingAhead = 1'048'576;
+        if (record.size > worthReadingAhead) {
+            ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+        }
         for (std::int64_t left = record.size - static_cast<std::int64_t>(firstChunk); left > 0;) {
             if (stop_.stop_requested()) return false;
             const auto chunk = std::span(buffer).first(
