@@ -1,7 +1,7 @@
 # Every command a contributor needs; `make help` lists them.
 
 FOLDER ?= $(CURDIR)
-PHRASE ?= documents about undo
+PHRASE ?= documents about privacy
 JOBS   ?= $(shell nproc)
 
 .DEFAULT_GOAL := help

@@ -9,7 +9,9 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -372,6 +374,56 @@ TEST_F(FileIndexerTest, StopsAReadInProgressAndKeepsWhatWasStored) {
     EXPECT_THROW(scan(), Cancelled);
     EXPECT_EQ(store.record(tree.path("a.txt"))->content, "new text");
     EXPECT_EQ(statusOf("gone.txt"), "Text indexed");
+}
+
+TEST_F(FileIndexerTest, FinishesWhatAKilledScanBegan) {
+    for (int n = 0; n < 30; ++n)
+        tree.write("file" + std::to_string(n) + ".txt", "word");
+    for (const std::int64_t killedAt : {1, 7, 29}) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            IndexStore own(data.path("index.sqlite"));
+            const ContentExtractor extractor(reader, reader);
+            const FileIndexer indexer(availability, extractor, {});
+            indexer.scan(root, own, {}, true,
+                         [&](const ScanProgress& step) {
+                             if (step.count == killedAt) ::raise(SIGKILL);
+                         },
+                         {});
+            ::_exit(0);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        EXPECT_GE(indexed().size(), static_cast<std::size_t>(killedAt));
+    }
+    scan();
+    EXPECT_EQ(indexed().size(), 30U);
+    EXPECT_EQ(scan().indexed, 0);
+}
+
+TEST_F(FileIndexerTest, EndsWithTheSentenceOfAFullDisk) {
+    const std::string small = data.makeDirectory("small");
+    if (::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=1m") != 0) {
+        GTEST_SKIP() << "only root can mount a small disk";
+    }
+    tree.write("a.txt", "word");
+    for (int n = 0; n < 10; ++n) {
+        tree.write("b" + std::to_string(n) + ".txt", std::string(150'000, 'x'));
+    }
+    {
+        IndexStore full(small + "/index.sqlite");
+        const ContentExtractor extractor(reader, reader);
+        const FileIndexer indexer(availability, extractor, {});
+        try {
+            indexer.scan(root, full, {}, true, nullptr, {});
+            ADD_FAILURE() << "the disk was not full";
+        } catch (const IntelligenceError& error) {
+            EXPECT_STREQ(error.what(), "Index database: database or disk is full");
+        }
+        EXPECT_TRUE(full.record(tree.path("a.txt")));
+    }
+    ::umount(small.c_str());
 }
 
 TEST_F(FileIndexerTest, EndsWithTheErrorOfTheStore) {

@@ -281,6 +281,52 @@ TEST_F(IndexStoreTest, SaysWhyItCannotOpen) {
                 HasSubstr(tree.path("file")));
 }
 
+/// Has SQLite call `prepare` on every connection that is opened in its lifetime.
+class PreparedConnections {
+  public:
+    using Prepare = int (*)(sqlite3*, char**, const sqlite3_api_routines*);
+
+    explicit PreparedConnections(Prepare prepare) {
+        sqlite3_auto_extension(reinterpret_cast<void (*)()>(prepare));
+    }
+    ~PreparedConnections() { sqlite3_reset_auto_extension(); }
+    PreparedConnections(const PreparedConnections&) = delete;
+    PreparedConnections& operator=(const PreparedConnections&) = delete;
+};
+
+TEST_F(IndexStoreTest, SaysWhichStepOfOpeningFailed) {
+    { const IndexStore create(path); }
+    {
+        const PreparedConnections denied([](sqlite3* db, char**, const sqlite3_api_routines*) {
+            return sqlite3_set_authorizer(
+                db,
+                [](void*, int action, const char* name, const char*, const char*, const char*) {
+                    const bool inspects =
+                        action == SQLITE_PRAGMA && std::string_view(name) == "table_info";
+                    return inspects ? SQLITE_DENY : SQLITE_OK;
+                },
+                nullptr);
+        });
+        EXPECT_EQ(messageOf([&] { IndexStore store(path); }),
+                  "Index database: Unable to inspect index schema");
+    }
+    // A function cannot be replaced while a statement is running.
+    static sqlite3_stmt* running = nullptr;
+    const PreparedConnections busy([](sqlite3* db, char**, const sqlite3_api_routines*) {
+        sqlite3_create_function_v2(
+            db, "tovi_source_group", 1, SQLITE_UTF8, nullptr,
+            [](sqlite3_context*, int, sqlite3_value**) {}, nullptr, nullptr, nullptr);
+        sqlite3_prepare_v2(db, "VALUES (1), (2)", -1, &running, nullptr);
+        sqlite3_step(running);
+        return sqlite3_exec(db, "SELECT 1", nullptr, nullptr, nullptr); // ends without an error
+    });
+    EXPECT_EQ(messageOf([&] { IndexStore store(path); }),
+              "Index database: Unable to prepare download groups");
+    sqlite3* const db = sqlite3_db_handle(running);
+    sqlite3_finalize(running);
+    sqlite3_close(db);
+}
+
 TEST_F(IndexStoreTest, PassesOnWhatSqliteRefuses) {
     IndexStore store(path);
     store.upsert(makeRecord("/root/a"));
