@@ -51,6 +51,11 @@ void addShowCommand(CLI::App& app, Context& context);
 void addStatusCommand(CLI::App& app, Context& context);
 void addForgetCommand(CLI::App& app, Context& context);
 void addClearCommand(CLI::App& app, Context& context);
+void addDuplicatesCommand(CLI::App& app, Context& context);
+void addTrashCommand(CLI::App& app, Context& context);
+void addRenameCommand(CLI::App& app, Context& context);
+void addHistoryCommand(CLI::App& app, Context& context);
+void addUndoCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
 

@@ -41,6 +41,11 @@ int run(int argc, char** argv, Context& context) {
     addStatusCommand(app, context);
     addForgetCommand(app, context);
     addClearCommand(app, context);
+    addDuplicatesCommand(app, context);
+    addTrashCommand(app, context);
+    addRenameCommand(app, context);
+    addHistoryCommand(app, context);
+    addUndoCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
     app.parse_complete_callback([&] {

@@ -18,6 +18,7 @@ struct FileAttributes {
     Date modifiedAt;
     std::uint64_t inode = 0;
     std::uint64_t device = 0;
+    std::uint64_t linkCount = 1; // names that lead to the item
 };
 
 /// Throws `std::system_error` with the path.

@@ -43,6 +43,14 @@ void Sha256::update(std::span<const std::byte> bytes) {
     check(EVP_DigestUpdate(context_->evp, bytes.data(), bytes.size()));
 }
 
+Sha256::Digest Sha256::digestSoFar() const {
+    const Context copy;
+    check(EVP_MD_CTX_copy_ex(copy.evp, context_->evp));
+    Digest digest{};
+    check(EVP_DigestFinal_ex(copy.evp, digest.data(), nullptr));
+    return digest;
+}
+
 Sha256::Digest Sha256::finish() {
     Digest digest{};
     check(EVP_DigestFinal_ex(context_->evp, digest.data(), nullptr));

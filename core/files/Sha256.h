@@ -21,6 +21,9 @@ class Sha256 {
 
     void update(std::span<const std::byte> bytes);
 
+    /// The sum as it would end now; it goes on.
+    Digest digestSoFar() const;
+
     /// Ends the sum; a new one starts with the next `update`.
     Digest finish();
 

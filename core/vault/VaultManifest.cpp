@@ -1,6 +1,6 @@
 #include "core/vault/VaultManifest.h"
 
-#include "core/vault/Base64.h"
+#include "core/files/Base64.h"
 #include "core/vault/JsonReader.h"
 #include "core/vault/VaultError.h"
 

@@ -26,7 +26,8 @@ Date dateOf(const statx_timestamp& time) {
 }
 
 FileAttributes read(int directory, const char* name, int flags, const std::string& path) {
-    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_BTIME | STATX_INO;
+    constexpr unsigned wanted =
+        STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_BTIME | STATX_INO | STATX_NLINK;
     struct statx found = {};
     if (::statx(directory, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, wanted, &found) !=
         0) {
@@ -39,6 +40,7 @@ FileAttributes read(int directory, const char* name, int flags, const std::strin
     result.createdAt =
         (found.stx_mask & STATX_BTIME) != 0 ? dateOf(found.stx_btime) : result.modifiedAt;
     result.inode = found.stx_ino;
+    result.linkCount = found.stx_nlink;
     result.device = makedev(found.stx_dev_major, found.stx_dev_minor);
     return result;
 }

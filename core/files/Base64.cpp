@@ -1,10 +1,10 @@
-#include "core/vault/Base64.h"
+#include "core/files/Base64.h"
 
 #include <algorithm>
 
 #include <openssl/evp.h>
 
-namespace tovi::vault {
+namespace tovi {
 namespace {
 
 bool isDigit(char c) {
@@ -41,4 +41,4 @@ std::optional<std::string> fromBase64(std::string_view text) {
     return bytes;
 }
 
-} // namespace tovi::vault
+} // namespace tovi
