@@ -37,7 +37,7 @@ class Trash {
     virtual void forget(const std::string& trashedPath, const std::string& originalPath) = 0;
 };
 
-/// The Trash of the freedesktop.org Trash specification 1.0: the home trash for its own file
+/// The Trash as freedesktop.org defines it (version 1.0): the home trash for its own file
 /// system, else `.Trash/UID` or `.Trash-UID` at the top of the item's file system.
 /// https://specifications.freedesktop.org/trash-spec/1.0/
 class SystemTrash : public Trash {

@@ -35,8 +35,13 @@ struct HandleBuffer {
 std::optional<Identity> decode(const std::string& bookmark) {
     const Json json = Json::parse(bookmark, nullptr, false);
     try {
-        Identity identity{
-            json.at("path"), json.at("volume"), json.at("inode"), {json.at("createdAt")}, json.at("hasOtherNames"), {}, {}};
+        Identity identity{json.at("path"),
+                          json.at("volume"),
+                          json.at("inode"),
+                          {json.at("createdAt")},
+                          json.at("hasOtherNames"),
+                          {},
+                          {}};
         if (json.contains("handle")) {
             identity.handleType = json.at("handleType");
             json.at("handle").get_to(identity.handle);
