@@ -11,7 +11,7 @@ constexpr Date now{1'710'345'600};
 
 void parsePhrase(benchmark::State& state, const std::string& phrase) {
     const QueryParser parser({"en_US", "America/New_York"});
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(parser.parse(phrase, now));
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(phrase.size()));
 }
@@ -34,7 +34,7 @@ BENCHMARK_CAPTURE(parsePhrase, megabyteOfHalfMatches, repeated("from type:", 1'0
     ->Unit(benchmark::kMillisecond);
 
 void resolveOrigin(benchmark::State& state, const std::string& address) {
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(DownloadOrigin::from(address));
 }
 
