@@ -49,7 +49,9 @@ endfunction()
 # The same for a library of QObjects.
 function(tovi_qt_library name)
     tovi_library(${name} ${ARGN})
-    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    # Qt 6.4's moc stops at GCC 12's <concepts>, which it need not know.
+    set_target_properties(${name} PROPERTIES AUTOMOC ON
+                          AUTOMOC_MOC_OPTIONS -D_GLIBCXX_CONCEPTS)
     target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
     target_link_libraries(${name} PUBLIC Qt6::Core)
 endfunction()

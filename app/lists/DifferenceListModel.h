@@ -3,7 +3,6 @@
 #include "app/lists/RowListModel.h"
 
 #include <algorithm>
-#include <concepts>
 #include <functional>
 #include <numeric>
 #include <string>
@@ -170,7 +169,7 @@ class DifferenceListModel : public RowListModel {
 
     void update(std::vector<Row> rows) {
         const auto differs = [&](std::size_t at) {
-            if constexpr (std::equality_comparable<Row>) {
+            if constexpr (requires(const Row& row) { row == row; }) {
                 return !(rows_[at] == rows[at]);
             } else {
                 return true;

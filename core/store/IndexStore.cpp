@@ -67,6 +67,22 @@ std::int64_t sizeWithLog(const std::string& path) {
     return total;
 }
 
+template <typename Work>
+void inTransaction(Database& database, Work work) {
+    database.execute("BEGIN IMMEDIATE");
+    try {
+        work();
+        database.execute("COMMIT");
+    } catch (const IntelligenceError&) {
+        try {
+            database.execute("ROLLBACK");
+        } catch (const IntelligenceError&) {
+            // The first failure is the one to report.
+        }
+        throw;
+    }
+}
+
 } // namespace
 
 std::int64_t IndexSummary::total() const {
@@ -187,23 +203,14 @@ void IndexStore::remove(const std::vector<std::string>& paths) {
     if (paths.empty()) return;
     const std::lock_guard lock(mutex_);
     std::int64_t removed = 0;
-    db_->execute("BEGIN IMMEDIATE");
-    try {
+    inTransaction(*db_, [&] {
         Statement statement(*db_, "DELETE FROM files WHERE path = ?");
         for (const std::string& path : paths) {
             statement.bind(path);
             statement.run();
             removed += db_->changes();
         }
-        db_->execute("COMMIT");
-    } catch (const IntelligenceError&) {
-        try {
-            db_->execute("ROLLBACK");
-        } catch (const IntelligenceError&) {
-            // The first failure is the one to report.
-        }
-        throw;
-    }
+    });
     if (removed > 0) ++revision_;
 }
 
@@ -225,6 +232,30 @@ void IndexStore::adoptRows(const std::string& rootPath) {
     if (db_->changes() > 0) ++revision_;
 }
 
+void IndexStore::moveRoot(const std::string& from, const std::string& to) {
+    const std::lock_guard lock(mutex_);
+    inTransaction(*db_, [&] {
+        // Substrings count characters, and so does the length.
+        Statement rename(*db_, "UPDATE OR IGNORE files SET root = ?2, "
+                               "path = ?2 || substr(path, length(?1) + 1) WHERE root = ?1");
+        rename.bind(from).bind(to);
+        rename.run();
+        Statement remove(*db_, "DELETE FROM files WHERE root = ?");
+        remove.bind(from);
+        remove.run();
+    });
+    ++revision_;
+}
+
+std::vector<FileRecord> IndexStore::filesSharingSize(const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT * FROM files WHERE kind NOT IN ('folder','application') AND "
+                              "size IN (SELECT size FROM files "
+                              "WHERE kind NOT IN ('folder','application') "
+                              "GROUP BY size HAVING count(*) > 1)");
+    return readAll(statement, Content::leftOut, stop);
+}
+
 void IndexStore::clear() {
     const std::lock_guard lock(mutex_);
     db_->execute("DELETE FROM files;");
@@ -244,6 +275,13 @@ std::vector<std::string> IndexStore::roots() {
         roots.emplace_back(next.text(0));
         next.reset();
     }
+}
+
+std::int64_t IndexStore::count() {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT count(*) FROM files");
+    statement.step();
+    return statement.integer(0);
 }
 
 IndexSummary IndexStore::summary(const std::optional<std::string>& rootPath) {
