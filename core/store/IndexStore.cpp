@@ -257,6 +257,33 @@ void IndexStore::adoptRows(const std::string& rootPath) {
     if (db_->changes() > 0) ++revision_;
 }
 
+void IndexStore::moveRoot(const std::string& from, const std::string& to) {
+    const std::lock_guard lock(mutex_);
+    Transaction transaction(*db_, Transaction::Kind::writing);
+    // Substrings count characters, and so does the length.
+    Statement rename(*db_, "UPDATE OR IGNORE files SET root = ?2, "
+                           "path = ?2 || substr(path, length(?1) + 1) WHERE root = ?1");
+    rename.bind(from).bind(to);
+    rename.run();
+    Statement remove(*db_, "DELETE FROM files WHERE root = ?");
+    remove.bind(from);
+    remove.run();
+    transaction.commit();
+    ++revision_;
+}
+
+std::vector<FileRecord> IndexStore::filesSharingSize(const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    return cancellable(*db_, stop, [&] {
+        Statement statement(*db_,
+                            "SELECT * FROM files WHERE kind NOT IN ('folder','application') AND "
+                            "size IN (SELECT size FROM files "
+                            "WHERE kind NOT IN ('folder','application') "
+                            "GROUP BY size HAVING count(*) > 1)");
+        return readAll(statement, Content::leftOut, stop);
+    });
+}
+
 void IndexStore::clear() {
     const std::lock_guard lock(mutex_);
     db_->execute("DELETE FROM files;");
@@ -277,6 +304,13 @@ std::vector<std::string> IndexStore::roots() {
         roots.emplace_back(next.text(0));
         next.reset();
     }
+}
+
+std::int64_t IndexStore::count() {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT count(*) FROM files");
+    statement.step();
+    return statement.integer(0);
 }
 
 IndexSummary IndexStore::summary(const std::optional<std::string>& rootPath) {

@@ -72,11 +72,20 @@ class IndexStore {
     /// Hands the rows below `rootPath` that a connected folder above it holds over to it.
     void adoptRows(const std::string& rootPath);
 
+    /// Takes the rows of a connected folder along to its new path. Rows that lie there already
+    /// stay as they are, and those they stand for are deleted.
+    void moveRoot(const std::string& from, const std::string& to);
+
+    /// Files, folders and applications aside, whose size another of them has; without content.
+    std::vector<FileRecord> filesSharingSize(const std::stop_token& stop = {});
+
     /// Empties the index and compacts its file, so that no text lingers in free pages.
     void clear();
 
     /// The connected folders that have files in the index, in byte order.
     std::vector<std::string> roots();
+
+    std::int64_t count();
 
     /// Of the whole index, or of one connected folder.
     IndexSummary summary(const std::optional<std::string>& rootPath = std::nullopt);
