@@ -28,13 +28,6 @@ struct IndexArguments {
 
 constexpr std::size_t errorsShown = 20;
 
-std::optional<std::string> downloadsDirectory() {
-    const auto folder = platform::downloadsDirectory();
-    std::error_code missing;
-    if (!folder) return std::nullopt;
-    return std::filesystem::weakly_canonical(*folder, missing).string();
-}
-
 std::vector<std::string> rootsIn(const Context& context) {
     if (!std::filesystem::exists(context.indexPath())) return {};
     return context.openIndexForReading()->roots();
@@ -86,7 +79,7 @@ void index(const IndexArguments& arguments, Context& context) {
     decoder::DecoderPool decoders({.program = decoderPath()});
     const ContentExtractor extractor(decoders, decoders);
     const FileIndexer indexer(availability, extractor,
-                              {.downloadsDirectory = downloadsDirectory(),
+                              {.downloadsDirectory = platform::downloadsDirectory(),
                                .readers = std::max(1U, std::thread::hardware_concurrency())});
 
     const std::vector<std::string> roots = chooseRoots(arguments, context, indexer);
