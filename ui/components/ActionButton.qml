@@ -13,7 +13,7 @@ Button {
 
     readonly property color fill: isDanger ? Theme.danger : isPrimary ? Theme.accent : Theme.raised
     readonly property color ink: !enabled ? Theme.disabled
-        : isDanger ? Theme.onDanger : isPrimary ? Theme.onAccent : Theme.text
+        : isDanger ? Theme.dangerInk : isPrimary ? Theme.accentInk : Theme.text
 
     implicitHeight: Theme.controlHeight
     implicitWidth: content.implicitWidth + 28

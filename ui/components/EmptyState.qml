@@ -34,8 +34,10 @@ ColumnLayout {
         isStrong: true
     }
     AppText {
-        Layout.alignment: Qt.AlignHCenter
+        Layout.fillWidth: true
         Layout.maximumWidth: 420
+        Layout.preferredWidth: 420
+        Layout.alignment: Qt.AlignHCenter
         visible: text !== ""
         text: empty.sentence
         isSecondary: true

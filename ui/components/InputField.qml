@@ -16,7 +16,7 @@ TextField {
     color: Theme.text
     placeholderTextColor: Theme.secondaryText
     selectionColor: Theme.accent
-    selectedTextColor: Theme.onAccent
+    selectedTextColor: Theme.accentInk
     selectByMouse: true
     verticalAlignment: TextInput.AlignVCenter
     Accessible.name: label

@@ -25,7 +25,7 @@ Switch {
             width: 18
             height: 18
             radius: 9
-            color: control.checked ? Theme.onAccent : Theme.outline
+            color: control.checked ? Theme.accentInk : Theme.outline
         }
         FocusRing {
             control: control

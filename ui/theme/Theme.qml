@@ -27,10 +27,10 @@ QtObject {
     readonly property color border: highContrast ? colors.text : colors.border
     readonly property color outline: highContrast ? colors.text : colors.outline
     readonly property color accent: isDark && choice === "lilac" ? "#C3A6FF" : colors.accent
-    readonly property color onAccent: colors.onAccent
+    readonly property color accentInk: colors.accentInk
     readonly property color accentText: isDark && choice === "lilac" ? "#C3A6FF" : colors.accentText
     readonly property color danger: colors.danger
-    readonly property color onDanger: colors.onDanger
+    readonly property color dangerInk: colors.dangerInk
     readonly property color dangerBackground: colors.dangerBackground
     readonly property color warning: colors.warning
     readonly property color warningBackground: colors.warningBackground
@@ -66,24 +66,24 @@ QtObject {
     readonly property var minimal: ({
         background: "#F7F7F8", surface: "#FFFFFF", raised: "#FFFFFF", sidebar: "#EFEFF2",
         selected: "#DCE6FB", text: "#1B1B1F", secondaryText: "#55555F", disabled: "#8C8C96",
-        border: "#D9D9E0", outline: "#7A7A86", accent: "#2F5FD0", onAccent: "#FFFFFF",
-        accentText: "#2450B8", danger: "#B3261E", onDanger: "#FFFFFF", dangerBackground: "#FCE9E7",
+        border: "#D9D9E0", outline: "#7A7A86", accent: "#2F5FD0", accentInk: "#FFFFFF",
+        accentText: "#2450B8", danger: "#B3261E", dangerInk: "#FFFFFF", dangerBackground: "#FCE9E7",
         warning: "#8A5300", warningBackground: "#FFF1D6", success: "#1B6E3C",
         successBackground: "#E3F4E8"
     })
     readonly property var lilac: ({
         background: "#F6F2FB", surface: "#FFFFFF", raised: "#FFFFFF", sidebar: "#ECE4F7",
         selected: "#E0D2F7", text: "#221A2E", secondaryText: "#5A4F6B", disabled: "#91869F",
-        border: "#DACEE9", outline: "#776889", accent: "#6B3FC4", onAccent: "#FFFFFF",
-        accentText: "#5A30AE", danger: "#B3261E", onDanger: "#FFFFFF", dangerBackground: "#FBE7E8",
+        border: "#DACEE9", outline: "#776889", accent: "#6B3FC4", accentInk: "#FFFFFF",
+        accentText: "#5A30AE", danger: "#B3261E", dangerInk: "#FFFFFF", dangerBackground: "#FBE7E8",
         warning: "#854F00", warningBackground: "#FFF0D6", success: "#1A6A3A",
         successBackground: "#E3F3E8"
     })
     readonly property var dark: ({
         background: "#0F1218", surface: "#171B24", raised: "#1F2530", sidebar: "#12161E",
         selected: "#2A3A5E", text: "#ECEFF6", secondaryText: "#A9B2C3", disabled: "#6C7689",
-        border: "#2B3342", outline: "#7F8BA5", accent: "#8FB2FF", onAccent: "#0B1530",
-        accentText: "#9DBBFF", danger: "#FF9A92", onDanger: "#3A0906", dangerBackground: "#3A1D1F",
+        border: "#2B3342", outline: "#7F8BA5", accent: "#8FB2FF", accentInk: "#0B1530",
+        accentText: "#9DBBFF", danger: "#FF9A92", dangerInk: "#3A0906", dangerBackground: "#3A1D1F",
         warning: "#F2C066", warningBackground: "#38290F", success: "#7FD69B",
         successBackground: "#15301F"
     })
