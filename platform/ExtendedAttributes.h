@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/FileDescriptor.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -14,6 +16,9 @@ class ExtendedAttributes {
   public:
     /// Links are not followed. What cannot be read counts as having none.
     explicit ExtendedAttributes(std::string path);
+
+    /// Of the item `name` in an open directory, which must stay open while this is read.
+    ExtendedAttributes(const FileDescriptor& directory, std::string_view name);
 
     bool contains(std::string_view name) const;
 

@@ -11,6 +11,9 @@ namespace tovi {
 /// that cannot be resolved.
 std::optional<std::string> resolvedFolders(const std::string& path);
 
+/// The path in its standard form, absolute, with all links resolved, one at its end too.
+std::optional<std::string> canonicalPath(const std::string& path);
+
 /// The folders in which files may be changed.
 class AuthorizedFolders {
   public:
@@ -18,6 +21,9 @@ class AuthorizedFolders {
 
     /// Whether a path made by `resolvedFolders` is one of the folders or lies in one.
     bool contains(const std::string& resolved) const;
+
+    /// Canonical, without those that are no absolute path.
+    const std::vector<std::string>& roots() const { return roots_; }
 
   private:
     std::vector<std::string> roots_;

@@ -31,6 +31,11 @@ ExtendedAttributes::ExtendedAttributes(std::string path) : path_(std::move(path)
     }
 }
 
+// The calls of this family take no directory; its link in /proc leads to the open one itself.
+ExtendedAttributes::ExtendedAttributes(const FileDescriptor& directory, std::string_view name)
+    : ExtendedAttributes("/proc/self/fd/" + std::to_string(directory.get()) + "/" +
+                         std::string(name)) {}
+
 bool ExtendedAttributes::contains(std::string_view name) const {
     return std::find(names_.begin(), names_.end(), name) != names_.end();
 }
