@@ -1,6 +1,7 @@
 #include "core/actions/ActionJson.h"
 
 #include "core/files/Base64.h"
+#include "core/files/ReviewCode.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -128,12 +129,7 @@ ActionReceipt receiptFromJson(const Json& json) {
 }
 
 std::string reviewCode(const ActionPlan& plan) {
-    constexpr std::size_t codeLength = 16;
-    const std::string reviewed =
-        Json::array({arrayOf(plan.items), arrayOf(plan.retainedFiles)}).dump();
-    Sha256 sum;
-    sum.update(std::as_bytes(std::span(reviewed)));
-    return hexadecimal(sum.finish()).substr(0, codeLength);
+    return reviewCodeOf(Json::array({arrayOf(plan.items), arrayOf(plan.retainedFiles)}));
 }
 
 bool freesNothing(const PlannedFileAction& item, const ActionPlan& plan) {
