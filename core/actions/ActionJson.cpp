@@ -1,10 +1,10 @@
 #include "core/actions/ActionJson.h"
 
 #include "core/files/Base64.h"
+#include "core/files/JsonKeys.h"
 #include "core/files/ReviewCode.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <stdexcept>
 
 #include <nlohmann/json.hpp>
@@ -22,16 +22,6 @@ FileOperation operationFrom(const std::string& text) {
     if (text == "trash") return FileOperation::trash;
     if (text == "rename") return FileOperation::rename;
     throw std::runtime_error("unknown operation \"" + text + "\"");
-}
-
-// A key of a later version would be lost when the log is written again.
-void expectOnly(const Json& json, std::initializer_list<std::string_view> known) {
-    if (!json.is_object()) throw std::runtime_error("an object is missing");
-    for (const auto& [key, value] : json.items()) {
-        if (std::find(known.begin(), known.end(), key) == known.end()) {
-            throw std::runtime_error("unknown key \"" + key + "\"");
-        }
-    }
 }
 
 Json toJson(const FileSnapshot& snapshot) {

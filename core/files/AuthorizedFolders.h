@@ -22,9 +22,6 @@ class AuthorizedFolders {
     /// Whether a path made by `resolvedFolders` is one of the folders or lies in one.
     bool contains(const std::string& resolved) const;
 
-    /// Canonical, without those that are no absolute path.
-    const std::vector<std::string>& roots() const { return roots_; }
-
   private:
     std::vector<std::string> roots_;
 };
