@@ -5,6 +5,7 @@
 #include "core/files/AuthorizedFolders.h"
 #include "core/records/FileKind.h"
 #include "core/records/IndexingPolicy.h"
+#include "platform/DirectoryEntry.h"
 #include "platform/Packages.h"
 
 #include <algorithm>
@@ -214,11 +215,20 @@ std::optional<CleanupCandidate> CleanupPolicy::application(const CleanupItem& it
     return candidate;
 }
 
-std::optional<CleanupCandidate> CleanupPolicy::candidate(const platform::DirectoryEntry& item,
-                                                         const std::stop_token& stop) const {
-    const auto attributes = item.attributes();
-    if (!attributes || excludesPlace(item.path())) return std::nullopt;
-    return candidate({item.path(), item.directory(), *attributes}, stop);
+std::optional<CleanupCandidate> CleanupPolicy::candidateAt(const std::string& path,
+                                                           const std::stop_token& stop) const {
+    if (!isSameOrBelow(path, context_.root) || resolvedFolders(path) != path ||
+        !isValidUtf8(path) || excludesPlace(path)) {
+        return std::nullopt;
+    }
+    try {
+        const auto item = platform::DirectoryEntry::open(path);
+        const auto attributes = item.attributes();
+        if (!attributes) return std::nullopt;
+        return candidate({path, item.directory(), *attributes}, stop);
+    } catch (const std::system_error&) {
+        return std::nullopt;
+    }
 }
 
 bool isApplicationName(std::string_view name) {

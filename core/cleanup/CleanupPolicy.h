@@ -3,7 +3,7 @@
 #include "core/cleanup/CleanupCandidate.h"
 #include "core/cleanup/CleanupDiscoveryMetadata.h"
 #include "platform/Availability.h"
-#include "platform/DirectoryEntry.h"
+#include "platform/FileAttributes.h"
 
 #include <optional>
 #include <stop_token>
@@ -64,10 +64,10 @@ class CleanupPolicy {
     std::optional<CleanupCandidate> candidate(const CleanupItem& item,
                                               const std::stop_token& stop) const;
 
-    /// The same, checked from the root down, for an item of which only the path is known. The
-    /// path's folders lead through no link.
-    std::optional<CleanupCandidate> candidate(const platform::DirectoryEntry& item,
-                                              const std::stop_token& stop) const;
+    /// The same for any path, checked from the root down. Nothing for what is not below the root,
+    /// is reached through a link or cannot be looked at.
+    std::optional<CleanupCandidate> candidateAt(const std::string& path,
+                                                const std::stop_token& stop) const;
 
   private:
     bool isHidden(const std::string& path) const;

@@ -151,22 +151,18 @@ std::optional<CleanupTrashService::CheckedItem> CleanupTrashService::check(
             holder = &root;
         }
     }
-    if (holder == nullptr || resolvedFolders(path) != path || !isValidUtf8(path)) {
-        return std::nullopt;
-    }
+    if (holder == nullptr) return std::nullopt;
     const CleanupContext context(*holder, folders_, excludedPaths_, system_.metadata,
                                  system_.availability);
-    std::optional<DirectoryEntry> entry;
-    std::optional<CleanupCandidate> found;
+    const auto found = CleanupPolicy(context, system_.clock()).candidateAt(path, stop);
+    if (!found || found->category != category || found->identity != identity) return std::nullopt;
+    if (found->reviewOnlyReason) throw CleanupActionError(*found->reviewOnlyReason);
     try {
-        entry = DirectoryEntry::open(path);
-        found = CleanupPolicy(context, system_.clock()).candidate(*entry, stop);
+        const DirectoryEntry entry = DirectoryEntry::open(path);
+        return CheckedItem{entry, found->size, snapshotOf(entry, stop)};
     } catch (const std::system_error&) {
         return std::nullopt;
     }
-    if (!found || found->category != category || found->identity != identity) return std::nullopt;
-    if (found->reviewOnlyReason) throw CleanupActionError(*found->reviewOnlyReason);
-    return CheckedItem{*entry, found->size, snapshotOf(*entry, stop)};
 }
 
 CleanupPlan CleanupTrashService::prepare(std::span<const CleanupCandidate> candidates,
