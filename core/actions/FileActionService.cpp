@@ -148,7 +148,7 @@ ActionReceipt FileActionService::execute(const ActionPlan& plan, const Uuid& con
     // The clock may have been set back since, and then tells nothing.
     if (age >= planLifetime || age < 0) throw ActionError("The plan expired. Review a fresh plan.");
 
-    const FileChecks checks(roots, system_.availability, stop);
+    FileChecks checks(roots, system_.availability, stop);
     checks.checkRetained(plan.retainedFiles, "");
     for (const PlannedFileAction& item : plan.items)
         checks.checkReviewed(item);
