@@ -4,7 +4,6 @@
 #include "core/actions/ActionError.h"
 
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 namespace tovi {
 namespace {
@@ -25,15 +24,11 @@ DirectoryEntry openEntry(const std::string& path) {
 }
 
 bool hasControlCharacter(std::string_view text) {
-    const auto length = static_cast<std::int32_t>(text.size());
-    for (std::int32_t at = 0; at < length;) {
-        UChar32 character = 0;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"
-        U8_NEXT(text.data(), at, length, character);
-#pragma GCC diagnostic pop
-        const auto category = u_charType(character);
+    for (std::size_t at = 0; at < text.size();) {
+        const CodePoint character = codePointAt(text, at);
+        const auto category = u_charType(character.value);
         if (category == U_CONTROL_CHAR || category == U_FORMAT_CHAR) return true;
+        at += character.length;
     }
     return false;
 }
