@@ -17,8 +17,9 @@ class ExtendedAttributes {
     /// Links are not followed. What cannot be read counts as having none.
     explicit ExtendedAttributes(std::string path);
 
-    /// Of the item `name` in an open directory, which must stay open while this is read.
-    ExtendedAttributes(const FileDescriptor& directory, std::string_view name);
+    /// Of an item of any depth: `directory` is the open directory that holds it, by which items
+    /// are reached whose paths are too long. It must stay open while this is read.
+    ExtendedAttributes(const std::string& path, const FileDescriptor& directory);
 
     bool contains(std::string_view name) const;
 

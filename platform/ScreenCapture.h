@@ -10,7 +10,7 @@ namespace tovi::platform {
 bool isScreenCaptureName(std::string_view name);
 
 /// Whether an open picture names such a program as the software that made it (the text chunks of
-/// PNG, https://www.w3.org/TR/png-3/#11textinfo). Reads its first 64 KiB at the most; what cannot
+/// PNG, https://www.w3.org/TR/png-3/#11textinfo). Reads its first 16 KiB at the most; what cannot
 /// be read says no.
 bool isTaggedAsScreenCapture(const FileDescriptor& picture);
 

@@ -93,7 +93,7 @@ class Inspector final : public platform::WalkVisitor {
         if (isOther) report(protectedItems);
         if ((isFile || isFolder) &&
             !availability_.isAvailableLocally(
-                item.path(), platform::ExtendedAttributes(item.directory(), item.name()))) {
+                item.path(), platform::ExtendedAttributes(item.path(), item.directory()))) {
             report(notLocal);
         }
         if (isFile) result_.size += attributes.size;

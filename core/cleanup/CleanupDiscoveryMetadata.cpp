@@ -21,10 +21,11 @@ std::optional<PropertyList> valueOf(const platform::ExtendedAttributes& attribut
 
 } // namespace
 
-bool CleanupDiscoveryMetadata::isScreenCapture(const FileDescriptor& directory,
-                                               const std::string& name) {
+bool CleanupDiscoveryMetadata::isScreenCapture(const std::string& path,
+                                               const FileDescriptor& directory) {
+    const std::string name(lastPathComponent(path));
     if (platform::isScreenCaptureName(name)) return true;
-    const auto flag = valueOf(platform::ExtendedAttributes(directory, name),
+    const auto flag = valueOf(platform::ExtendedAttributes(path, directory),
                               "com.apple.metadata:kMDItemIsScreenCapture");
     if (flag) {
         const bool* isSet = flag->as<bool>();

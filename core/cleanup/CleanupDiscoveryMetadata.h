@@ -17,9 +17,9 @@ class CleanupDiscoveryMetadata {
     /// `dataHome` is the folder of the user's data.
     explicit CleanupDiscoveryMetadata(const std::string& dataHome) : recentlyUsed_(dataHome) {}
 
-    /// Whether a picture or film called `name` in an open directory shows the screen: by its
-    /// attribute, by its name or by the software that a PNG names.
-    static bool isScreenCapture(const FileDescriptor& directory, const std::string& name);
+    /// Whether a picture or film shows the screen: by its name, by its attribute or by the
+    /// software that a PNG names. `directory` is the open one that holds it.
+    static bool isScreenCapture(const std::string& path, const FileDescriptor& directory);
 
     /// From the attribute of the item, else from the desktop's list.
     std::optional<Date> lastUsed(const std::string& path,

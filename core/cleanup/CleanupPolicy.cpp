@@ -93,9 +93,10 @@ bool mayShowScreen(std::string_view name) {
 }
 
 bool isScreenshot(const CleanupItem& file) {
-    const std::string name(lastPathComponent(file.path));
+    const std::string_view name = lastPathComponent(file.path);
     return isScreenshotName(name) ||
-           (mayShowScreen(name) && CleanupDiscoveryMetadata::isScreenCapture(file.directory, name));
+           (mayShowScreen(name) &&
+            CleanupDiscoveryMetadata::isScreenCapture(file.path, file.directory));
 }
 
 } // namespace
@@ -171,7 +172,7 @@ std::optional<CleanupCandidate> CleanupPolicy::candidate(const CleanupItem& item
     if (!found || isHidden(item.path) || isPrivateName(name) ||
         isAtOrBelowAny(item.path, context_.excluded) ||
         !context_.availability.isAvailableLocally(
-            item.path, platform::ExtendedAttributes(item.directory, name))) {
+            item.path, platform::ExtendedAttributes(item.path, item.directory))) {
         return std::nullopt;
     }
     return CleanupCandidate{item.path,
@@ -188,7 +189,7 @@ std::optional<CleanupCandidate> CleanupPolicy::application(const CleanupItem& it
                                                            const std::stop_token& stop) const {
     const std::string name(lastPathComponent(item.path));
     if (isHidden(item.path) || isPrivateName(name)) return std::nullopt;
-    const platform::ExtendedAttributes attributes(item.directory, name);
+    const platform::ExtendedAttributes attributes(item.path, item.directory);
     const auto lastUsed = context_.metadata.lastUsed(item.path, attributes);
     if (!lastUsed || now_ - *lastUsed < applicationAge) return std::nullopt;
 

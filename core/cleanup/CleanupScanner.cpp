@@ -114,7 +114,7 @@ class Walk final : public platform::WalkVisitor {
             return Step::skip;
         }
         if (!context_.availability.isAvailableLocally(
-                path, platform::ExtendedAttributes(item.directory(), item.name()))) {
+                path, platform::ExtendedAttributes(item.path(), item.directory()))) {
             addIssue(path, ": cloud-only folder was not downloaded.");
             return Step::skip;
         }

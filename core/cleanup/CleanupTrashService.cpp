@@ -135,7 +135,7 @@ CleanupContentSnapshot CleanupTrashService::snapshotOf(const DirectoryEntry& ite
             "Cleanup only moves regular files. Folders and symbolic links are protected.");
     }
     if (!system_.availability.isAvailableLocally(
-            item.path(), platform::ExtendedAttributes(item.directory(), item.name()))) {
+            item.path(), platform::ExtendedAttributes(item.path(), item.directory()))) {
         throw CleanupActionError("This file is not fully available locally: " + item.path());
     }
     return fileSnapshot(item, CleanupFileIdentity::of(*attributes), stop);

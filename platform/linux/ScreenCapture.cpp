@@ -1,14 +1,14 @@
 #include "platform/ScreenCapture.h"
 
 #include "base/Text.h"
-#include "platform/ReadFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <system_error>
+
+#include <unistd.h>
 
 namespace tovi::platform {
 namespace {
@@ -74,18 +74,13 @@ bool isScreenCaptureName(std::string_view name) {
 }
 
 bool isTaggedAsScreenCapture(const FileDescriptor& picture) {
-    constexpr std::size_t limit = 65'536;
     constexpr std::string_view signature("\x89PNG\r\n\x1a\n", 8);
     constexpr std::size_t frame = 12; // length and type before a chunk's content, checksum after
-    std::string bytes;
-    try {
-        bytes = readFile(picture, signature.size(), "");
-        if (bytes != signature) return false;
-        bytes = readFile(picture, limit, "");
-    } catch (const std::system_error&) {
-        return false;
-    }
-    std::string_view rest = std::string_view(bytes).substr(signature.size());
+    std::array<char, 16'384> bytes{};
+    const ssize_t got = ::pread(picture.get(), bytes.data(), bytes.size(), 0);
+    std::string_view rest(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    if (!rest.starts_with(signature)) return false;
+    rest.remove_prefix(signature.size());
     while (rest.size() >= frame) {
         const std::size_t length = bigEndian(rest);
         const std::string_view type = rest.substr(4, 4);
