@@ -58,7 +58,8 @@ class Walk final : public platform::WalkVisitor {
         }
     }
 
-    void failed(const std::string& path, const std::system_error&) override {
+    void failed(const std::string& path, const std::system_error& error) override {
+        if (error.code() == std::errc::no_such_file_or_directory) return; // gone in the meantime
         addIssue(path, ": could not enumerate this location.");
         report_.isPartial = true;
     }

@@ -233,7 +233,7 @@ CleanupReceipt CleanupTrashService::execute(const CleanupPlan& plan, const Uuid&
         journal_.writeIntent(intent);
         journal_.save(roomFor(plan));
     } catch (const CleanupActionError& error) {
-        journal_.receipts().pop_back();
+        journal_.receipts().pop_back(); // the note of a run without a receipt says nothing
         throw CleanupActionError(
             std::string("Cleanup history could not be saved. Nothing was moved: ") + error.what());
     }

@@ -172,6 +172,15 @@ TEST_F(CleanupScannerTest, OffersApplicationsThatWereNotOpenedForLong) {
     writeApp("Outside.app", infoList("org.example.outside", "APPL", "../Info.plist"));
     writeApp("Bomb.app", "<!DOCTYPE a [<!ENTITY a \"&a;&a;\">]><plist><dict>&a;</dict></plist>");
     writeAged("Unknown.app/Contents/big.dmg", 1000);
+    const std::string listed = writeApp("Listed 1.app", infoList("org.example.listed"));
+    ASSERT_EQ(::removexattr(listed.c_str(), "user.com.apple.metadata:kMDItemLastUsedDate"), 0);
+    EXPECT_EQ(scan(request()).candidates.size(), 1U);
+    data.write("recently-used.xbel", "<xbel><bookmark href=\"file://" + tree.path() +
+                                         "/Listed%201.app\" visited=\"2023-01-01T00:00:00.5Z\"/>"
+                                         "</xbel>");
+    metadata = CleanupDiscoveryMetadata(data.path());
+    EXPECT_TRUE(found(scan(request())).contains("Listed 1.app"));
+    std::filesystem::remove_all(listed);
     const CleanupReport report = scan(request());
     ASSERT_THAT(found(report), ElementsAre(Pair("Old.app", unusedApps)));
     EXPECT_FALSE(report.candidates[0].reviewOnlyReason);
