@@ -2,6 +2,7 @@
 #include "core/cleanup/CandidateHeap.h"
 #include "core/cleanup/CleanupApplicationBundle.h"
 #include "core/cleanup/MountRules.h"
+#include "platform/DirectoryEntry.h"
 #include "tests/core/cleanup/CleanupFixture.h"
 
 #include <fmt/format.h>
