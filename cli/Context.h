@@ -58,5 +58,6 @@ void addHistoryCommand(CLI::App& app, Context& context);
 void addUndoCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
+void addCleanupCommand(CLI::App& app, Context& context);
 
 } // namespace tovi::cli

@@ -48,6 +48,7 @@ int run(int argc, char** argv, Context& context) {
     addUndoCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
+    addCleanupCommand(app, context);
     app.parse_complete_callback([&] {
         context.dataDirectory = context.dataDirectory.empty() ? platform::dataHome() + "/Ardeno"
                                                               : absolutePath(context.dataDirectory);
