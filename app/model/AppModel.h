@@ -87,6 +87,8 @@ class AppModel : public QObject {
 
     /// Whether the start is over.
     bool isLoaded() const { return context_.isLoaded; }
+    /// Whether every change of the settings is on the disk, as far as it could be written.
+    bool isSaved() const { return !isSaving_ && !unsaved_; }
     bool hasIndex() const { return context_.index != nullptr; }
     /// For models beside this one; none without an index.
     const SharedIndex& index() const { return context_.index; }
