@@ -23,7 +23,9 @@ ModelSession::ModelSession(const Context& context)
                     .automaticallyScan = false});
     model_->scan()->pauseQuietly();
     bool isOpen = false;
-    QObject::connect(model_.get(), &AppModel::loaded, [&] { isOpen = true; });
+    // The folders have been looked up after the settings, where those could be read.
+    QObject::connect(model_.get(), &AppModel::loaded, [&] { isOpen = !model_->isLoaded(); });
+    QObject::connect(model_.get(), &AppModel::libraryAccessChanged, [&] { isOpen = true; });
     model_->prepare();
     waitUntil([&] { return isOpen; });
     const std::string error = model_->notices()->errorMessage().toStdString();

@@ -142,6 +142,7 @@ class AppModel : public QObject {
     void persistPreferences();
     void savePending();
     void watchOtherProcesses();
+    void startRemovals();
     void removeFromIndex(const std::string& path);
     void endMaintenance();
 
@@ -170,7 +171,9 @@ class AppModel : public QObject {
     std::uint64_t preferencesRevision_ = 0;
     bool isSaving_ = false;
     bool isOpening_ = false;
-    std::vector<std::string> removals_; // of roots, under way
+    bool isCheckingFolders_ = false;
+    std::vector<std::string> removals_; // of roots, asked for
+    std::vector<std::string> runningRemovals_;
     std::uint64_t seenIndexRevision_ = 0;
     QString section_ = QStringLiteral("files");
     bool showCommandPalette_ = false;
