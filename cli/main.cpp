@@ -49,6 +49,10 @@ int run(int argc, char** argv, Context& context) {
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
     addCleanupCommand(app, context);
+    addFoldersCommand(app, context);
+    addSearchesCommand(app, context);
+    addSpacesCommand(app, context);
+    addPlanCommand(app, context);
     app.parse_complete_callback([&] {
         context.dataDirectory = context.dataDirectory.empty() ? platform::dataHome() + "/Ardeno"
                                                               : absolutePath(context.dataDirectory);

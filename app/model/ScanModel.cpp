@@ -137,7 +137,8 @@ void ScanModel::ended(const Outcome<ScanOutcome>& outcome) {
         const ScanOutcome& scan = *outcome.value;
         unavailable_.insert(unavailable_.end(), scan.unavailable.begin(), scan.unavailable.end());
         scanIssues_ = linesOf(unavailable_) + linesOf(scan.unread);
-        context_.notices.setStatus(!unavailable_.empty() ? unavailable_.front()
+        context_.notices.setStatus(isPaused_               ? pausedStatus
+                                   : !unavailable_.empty() ? unavailable_.front()
                                    : scan.unread.empty()
                                        ? "Connected folders are up to date."
                                        : "Connected · some files could not be read.");

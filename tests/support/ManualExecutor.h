@@ -46,14 +46,17 @@ class ManualExecutor final : public Executor {
     void advance(double seconds) {
         const double end = uptime_ + seconds;
         while (!timers_.empty() && timers_.begin()->first <= end) {
-            uptime_ = timers_.begin()->first;
+            uptime_ = std::max(uptime_, timers_.begin()->first);
             const auto callback = std::move(timers_.begin()->second);
             timers_.erase(timers_.begin());
             callback();
             settle();
         }
-        uptime_ = end;
+        uptime_ = std::max(uptime_, end);
     }
+
+    /// Lets time pass in the middle of work: no timer rings.
+    void pass(double seconds) { uptime_ += seconds; }
 
   private:
     std::deque<std::function<void()>> work_;

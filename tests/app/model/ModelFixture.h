@@ -113,7 +113,11 @@ class ModelFixture : public testing::Test {
     platform::SystemAvailability availability;
     NoReaders readers;
     ContentExtractor extractor{readers, readers};
-    FileIndexer indexer{availability, extractor, {}};
+    std::function<void()> afterReading = [] {}; // on every file of a scan, while it runs
+    FileIndexer indexer{availability, extractor, {.downloadsDirectory = {}, .clock = [this] {
+                                                      afterReading();
+                                                      return executor.now();
+                                                  }}};
     FakePicker picker;
     FakeClipboard clipboard;
     FakeOpener opener;
