@@ -47,6 +47,8 @@ std::string decoderPath();
 
 void addIndexCommand(CLI::App& app, Context& context);
 void addSearchCommand(CLI::App& app, Context& context);
+void addAskCommand(CLI::App& app, Context& context);
+void addDownloadsCommand(CLI::App& app, Context& context);
 void addShowCommand(CLI::App& app, Context& context);
 void addStatusCommand(CLI::App& app, Context& context);
 void addForgetCommand(CLI::App& app, Context& context);

@@ -266,6 +266,16 @@ void IndexStore::clear() {
                  "PRAGMA wal_checkpoint(TRUNCATE); VACUUM;");
 }
 
+std::vector<FileRecord> IndexStore::downloads(const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    return cancellable(*db_, stop, [&] {
+        Statement statement(*db_, "SELECT * FROM files INDEXED BY files_scan "
+                                  "WHERE kind <> 'folder' AND (source IS NOT NULL OR "
+                                  "downloaded IS NOT NULL OR instr(path, '/Downloads/') > 0)");
+        return readAll(statement, Content::leftOut, stop);
+    });
+}
+
 std::vector<std::string> IndexStore::roots() {
     const std::lock_guard lock(mutex_);
     // One look-up a root instead of a run through all rows.

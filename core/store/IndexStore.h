@@ -75,6 +75,10 @@ class IndexStore {
     /// Empties the index and compacts its file, so that no text lingers in free pages.
     void clear();
 
+    /// The files that may be downloads, in no order and without content: those with an address or
+    /// a date of download, and those below a folder "Downloads".
+    std::vector<FileRecord> downloads(const std::stop_token& stop = {});
+
     /// The connected folders that have files in the index, in byte order.
     std::vector<std::string> roots();
 
