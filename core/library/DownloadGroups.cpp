@@ -24,19 +24,10 @@ bool hasDownloadsComponent(std::string_view path) {
     return false;
 }
 
-std::optional<DownloadOrigin> originOf(const FileRecord& file) {
-    if (file.kind == FileKind::folder) return std::nullopt;
-    if (file.sourceURL) {
-        if (auto origin = DownloadOrigin::from(*file.sourceURL)) return origin;
-    }
-    const bool isDownload = file.sourceURL || file.downloadedAt || hasDownloadsComponent(file.path);
-    return isDownload ? std::optional(unknownOrigin) : std::nullopt;
-}
-
-bool isNewer(const FileRecord* left, const FileRecord* right) {
-    const Date leftDate = effectiveDate(*left);
-    const Date rightDate = effectiveDate(*right);
-    return leftDate != rightDate ? leftDate > rightDate : left->path < right->path;
+DownloadOrigin originOf(const FileRecord& download) {
+    std::optional<DownloadOrigin> origin;
+    if (download.sourceURL) origin = DownloadOrigin::from(*download.sourceURL);
+    return origin.value_or(unknownOrigin);
 }
 
 bool precedes(const DownloadGroup& left, const DownloadGroup& right) {
@@ -49,6 +40,17 @@ bool precedes(const DownloadGroup& left, const DownloadGroup& right) {
 
 } // namespace
 
+bool isDownload(const FileRecord& file) {
+    if (file.kind == FileKind::folder) return false;
+    return file.sourceURL || file.downloadedAt || hasDownloadsComponent(file.path);
+}
+
+bool isLaterDownload(const FileRecord& left, const FileRecord& right) {
+    const Date leftDate = effectiveDate(left);
+    const Date rightDate = effectiveDate(right);
+    return leftDate != rightDate ? leftDate > rightDate : left.path < right.path;
+}
+
 std::vector<DownloadGroup> DownloadGroups::make(std::vector<FileRecord> files,
                                                 const std::stop_token& stop) {
     struct Members {
@@ -58,17 +60,19 @@ std::vector<DownloadGroup> DownloadGroups::make(std::vector<FileRecord> files,
     std::map<std::string, Members> members;
     for (FileRecord& file : files) {
         throwIfCancelled(stop);
-        auto origin = originOf(file);
-        if (!origin) continue;
-        Members& group = members[origin->id];
-        group.origin = *std::move(origin);
+        if (!isDownload(file)) continue;
+        DownloadOrigin origin = originOf(file);
+        Members& group = members[origin.id];
+        group.origin = std::move(origin);
         group.files.push_back(&file);
     }
 
     std::vector<DownloadGroup> groups;
     for (auto& [id, group] : members) {
         throwIfCancelled(stop);
-        std::sort(group.files.begin(), group.files.end(), isNewer);
+        std::sort(group.files.begin(), group.files.end(), [](const auto* left, const auto* right) {
+            return isLaterDownload(*left, *right);
+        });
         DownloadGroup result{id, std::move(group.origin.name), std::move(group.origin.symbol), {}};
         result.files.reserve(group.files.size());
         for (FileRecord* file : group.files)

@@ -23,6 +23,13 @@ inline Date effectiveDate(const FileRecord& file) {
     return file.downloadedAt.value_or(file.modifiedAt);
 }
 
+/// Whether the file was downloaded: it has an address or a date of download, or lies in a folder
+/// "Downloads".
+bool isDownload(const FileRecord& file);
+
+/// Newest first by `effectiveDate`, ties by path.
+bool isLaterDownload(const FileRecord& left, const FileRecord& right);
+
 struct DownloadGroups {
     /// The downloads among `files`, the largest group first, ties by name; files of no known origin
     /// are in the last group, "unknown". Newest files first by `effectiveDate`, ties by path.
