@@ -58,6 +58,7 @@ void addTrashCommand(CLI::App& app, Context& context);
 void addRenameCommand(CLI::App& app, Context& context);
 void addHistoryCommand(CLI::App& app, Context& context);
 void addUndoCommand(CLI::App& app, Context& context);
+void addPhotosCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
 

@@ -48,6 +48,7 @@ int run(int argc, char** argv, Context& context) {
     addRenameCommand(app, context);
     addHistoryCommand(app, context);
     addUndoCommand(app, context);
+    addPhotosCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
     app.parse_complete_callback([&] {
