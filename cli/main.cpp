@@ -48,6 +48,10 @@ int run(int argc, char** argv, Context& context) {
     addUndoCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
+    addFoldersCommand(app, context);
+    addSearchesCommand(app, context);
+    addSpacesCommand(app, context);
+    addPlanCommand(app, context);
     app.parse_complete_callback([&] {
         context.dataDirectory = context.dataDirectory.empty() ? platform::dataHome() + "/Ardeno"
                                                               : absolutePath(context.dataDirectory);

@@ -87,6 +87,8 @@ class AppModel : public QObject {
 
     /// Whether the start is over.
     bool isLoaded() const { return context_.isLoaded; }
+    /// Whether every change of the settings is on the disk, as far as it could be written.
+    bool isSaved() const { return !isSaving_ && !unsaved_; }
     bool hasIndex() const { return context_.index != nullptr; }
     /// For models beside this one; none without an index.
     const SharedIndex& index() const { return context_.index; }
@@ -140,6 +142,7 @@ class AppModel : public QObject {
     void persistPreferences();
     void savePending();
     void watchOtherProcesses();
+    void startRemovals();
     void removeFromIndex(const std::string& path);
     void endMaintenance();
 
@@ -168,7 +171,9 @@ class AppModel : public QObject {
     std::uint64_t preferencesRevision_ = 0;
     bool isSaving_ = false;
     bool isOpening_ = false;
-    std::vector<std::string> removals_; // of roots, under way
+    bool isCheckingFolders_ = false;
+    std::vector<std::string> removals_; // of roots, asked for
+    std::vector<std::string> runningRemovals_;
     std::uint64_t seenIndexRevision_ = 0;
     QString section_ = QStringLiteral("files");
     bool showCommandPalette_ = false;

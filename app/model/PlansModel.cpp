@@ -1,24 +1,14 @@
 #include "app/model/PlansModel.h"
 
 #include "app/lists/QtConversions.h"
+#include "app/model/PlanInstruction.h"
 #include "base/Text.h"
 #include "core/files/AuthorizedFolders.h"
 
 #include <algorithm>
-#include <array>
 
 namespace tovi {
 namespace {
-
-constexpr std::array trashPhrases{"trash selected",
-                                  "trash selected file",
-                                  "trash selected files",
-                                  "trash the selected files",
-                                  "move selected to trash",
-                                  "move selected to the trash",
-                                  "move selected files to trash",
-                                  "move selected files to the trash"};
-constexpr std::string_view renamePrefix = "rename selected to ";
 
 QString nameOf(FileOperation operation) {
     return operation == FileOperation::trash ? QStringLiteral("trash") : QStringLiteral("rename");
@@ -218,21 +208,10 @@ void PlansModel::cancelPlan() {
 }
 
 void PlansModel::planAgent(const QString& instruction, const std::vector<std::string>& selection) {
-    const std::string typed = tovi::fromQt(instruction);
-    const std::string_view text = trimmed(typed);
-    const std::string lower = lowercased(text);
-    QStringList paths;
-    for (const std::string& path : selection)
-        paths.append(toQt(path));
-    const bool isTrash =
-        std::find(trashPhrases.begin(), trashPhrases.end(), lower) != trashPhrases.end();
-    if (isTrash && !paths.isEmpty()) return proposeTrash(paths);
-    if (lower.starts_with(renamePrefix) && paths.size() == 1) {
-        return proposeRename(paths.front(), toQt(text.substr(renamePrefix.size())));
-    }
-    context_.notices.setError(
-        "Supported plans: ‘trash selected’ or ‘rename selected to filename.ext’. Select files in "
-        "the library first. Arbitrary AI commands and unattended actions are not enabled.");
+    const auto plan = readInstruction(tovi::fromQt(instruction), selection.size());
+    if (!plan) return context_.notices.setError(unsupportedInstruction);
+    propose(
+        {.files = recordsAt(selection), .operation = plan->operation, .newName = plan->newName});
 }
 
 void PlansModel::confirmPlan(const QString& reviewedID) {
