@@ -1,5 +1,7 @@
 #include "app/monitor/FolderMonitor.h"
 
+#include "core/records/IndexingPolicy.h"
+
 #include <pthread.h>
 
 namespace tovi {
@@ -56,6 +58,20 @@ void FolderMonitor::listen(FolderListener::Timing timing) {
             continue; // there is another order
         }
     }
+}
+
+std::unique_ptr<FolderMonitor> monitorSystemFolders(Executor& executor,
+                                                    FolderListener::Handlers handlers) {
+    return std::make_unique<FolderMonitor>(
+        executor,
+        platform::watchFoldersOfTheSystem({.isExcluded =
+                                               [](std::string_view name) {
+                                                   return name.starts_with('.') ||
+                                                          IndexingPolicy::isExcludedName(name) ||
+                                                          IndexingPolicy::isSensitiveName(name);
+                                               },
+                                           .maximumWatches = {}}),
+        std::move(handlers));
 }
 
 } // namespace tovi

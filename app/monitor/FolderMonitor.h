@@ -46,4 +46,8 @@ class FolderMonitor final : public FolderChanges {
     std::thread thread_;
 };
 
+/// Watches all folders that the index enters. Throws `std::system_error`.
+std::unique_ptr<FolderMonitor> monitorSystemFolders(Executor& executor,
+                                                    FolderListener::Handlers handlers);
+
 } // namespace tovi
