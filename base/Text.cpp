@@ -1,7 +1,6 @@
 #include "base/Text.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <memory>
 #include <stdexcept>
 
@@ -19,23 +18,6 @@ namespace {
 
 bool isAscii(char c) {
     return static_cast<unsigned char>(c) < 0x80;
-}
-
-struct Decoded {
-    UChar32 character; // negative where the bytes are not UTF-8
-    std::size_t length;
-};
-
-Decoded decodeAt(std::string_view text, std::size_t at) {
-    const std::size_t window = std::min<std::size_t>(text.size() - at, 4);
-    UChar32 character = 0;
-    std::int32_t length = 0;
-// The macro narrows its own temporaries.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"
-    U8_NEXT(text.data() + at, length, static_cast<std::int32_t>(window), character);
-#pragma GCC diagnostic pop
-    return {character, static_cast<std::size_t>(length)};
 }
 
 /// Walks the character boundaries of UTF-8 text. One per thread: opening ICU's rules is slow.
@@ -135,6 +117,18 @@ bool isValidUtf8(std::string_view text) {
     return simdjson::validate_utf8(text.data(), text.size());
 }
 
+CodePoint codePointAt(std::string_view text, std::size_t at) {
+    const std::size_t window = std::min<std::size_t>(text.size() - at, 4);
+    UChar32 character = 0;
+    std::int32_t length = 0;
+// The macro narrows its own temporaries.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"
+    U8_NEXT(text.data() + at, length, static_cast<std::int32_t>(window), character);
+#pragma GCC diagnostic pop
+    return {character, static_cast<std::size_t>(length)};
+}
+
 std::size_t countCharacters(std::string_view text) {
     return measure(text, text.size()).first;
 }
@@ -164,8 +158,8 @@ std::string_view trimmed(std::string_view text) {
     std::size_t start = text.size();
     std::size_t end = 0;
     for (std::size_t at = 0; at < text.size();) {
-        const Decoded decoded = decodeAt(text, at);
-        if (!isWhitespace(decoded.character)) {
+        const CodePoint decoded = codePointAt(text, at);
+        if (!isWhitespace(decoded.value)) {
             start = std::min(start, at);
             end = at + decoded.length;
         }
@@ -181,8 +175,8 @@ std::vector<std::string_view> splitWhitespace(std::string_view text) {
         if (end > start) pieces.push_back(text.substr(start, end - start));
     };
     for (std::size_t at = 0; at < text.size();) {
-        const Decoded decoded = decodeAt(text, at);
-        if (isWhitespace(decoded.character)) {
+        const CodePoint decoded = codePointAt(text, at);
+        if (isWhitespace(decoded.value)) {
             close(at);
             start = at + decoded.length;
         }
@@ -196,22 +190,22 @@ std::string printable(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
-        const Decoded decoded = decodeAt(text, at);
+        const CodePoint decoded = codePointAt(text, at);
         const std::string_view bytes = text.substr(at, decoded.length);
-        if (decoded.character == '\n') {
+        if (decoded.value == '\n') {
             result += "\\n";
-        } else if (decoded.character == '\t') {
+        } else if (decoded.value == '\t') {
             result += "\\t";
-        } else if (decoded.character == '\r') {
+        } else if (decoded.value == '\r') {
             result += "\\r";
-        } else if (decoded.character < 0) {
+        } else if (decoded.value < 0) {
             for (const char byte : bytes) {
                 result += fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
             }
-        } else if (!isHarmless(decoded.character)) {
-            result += decoded.character < 0x80
-                          ? fmt::format("\\x{:02x}", static_cast<unsigned>(decoded.character))
-                          : fmt::format("\\u{{{:x}}}", static_cast<unsigned>(decoded.character));
+        } else if (!isHarmless(decoded.value)) {
+            result += decoded.value < 0x80
+                          ? fmt::format("\\x{:02x}", static_cast<unsigned>(decoded.value))
+                          : fmt::format("\\u{{{:x}}}", static_cast<unsigned>(decoded.value));
         } else {
             result += bytes;
         }

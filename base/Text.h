@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,6 +9,15 @@
 namespace tovi {
 
 bool isValidUtf8(std::string_view text);
+
+/// One code point of UTF-8 text; `value` is negative where the bytes are not UTF-8.
+struct CodePoint {
+    std::int32_t value;
+    std::size_t length; // bytes
+};
+
+/// The code point that begins at byte `at`, which lies inside the text.
+CodePoint codePointAt(std::string_view text, std::size_t at);
 
 /// The number of characters as a person sees them (extended grapheme clusters, UAX #29); CR LF is
 /// one. `text` is valid UTF-8.

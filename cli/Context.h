@@ -68,6 +68,7 @@ void addHistoryCommand(CLI::App& app, Context& context);
 void addUndoCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
+void addCleanupCommand(CLI::App& app, Context& context);
 void addWatchCommand(CLI::App& app, Context& context);
 void addSpacesCommand(CLI::App& app, Context& context);
 void addSearchesCommand(CLI::App& app, Context& context);

@@ -48,6 +48,7 @@ int run(int argc, char** argv, Context& context) {
     addUndoCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
+    addCleanupCommand(app, context);
     addWatchCommand(app, context);
     addFoldersCommand(app, context);
     addSearchesCommand(app, context);

@@ -96,8 +96,6 @@ class IndexStore {
 
   private:
     Statement& prepared(const char* sql);
-    std::vector<FileRecord> readAll(Statement& statement, Content content,
-                                    const std::stop_token& stop);
 
     std::mutex mutex_; // guards everything below
     std::string path_;
