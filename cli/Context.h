@@ -57,6 +57,8 @@ std::string decoderPath();
 
 void addIndexCommand(CLI::App& app, Context& context);
 void addSearchCommand(CLI::App& app, Context& context);
+void addAskCommand(CLI::App& app, Context& context);
+void addDownloadsCommand(CLI::App& app, Context& context);
 void addShowCommand(CLI::App& app, Context& context);
 void addStatusCommand(CLI::App& app, Context& context);
 void addForgetCommand(CLI::App& app, Context& context);
@@ -66,6 +68,7 @@ void addTrashCommand(CLI::App& app, Context& context);
 void addRenameCommand(CLI::App& app, Context& context);
 void addHistoryCommand(CLI::App& app, Context& context);
 void addUndoCommand(CLI::App& app, Context& context);
+void addPhotosCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
 void addCleanupCommand(CLI::App& app, Context& context);

@@ -37,6 +37,8 @@ int run(int argc, char** argv, Context& context) {
     app.add_flag("--json", context.json, "Print JSON for programs");
     addIndexCommand(app, context);
     addSearchCommand(app, context);
+    addAskCommand(app, context);
+    addDownloadsCommand(app, context);
     addShowCommand(app, context);
     addStatusCommand(app, context);
     addForgetCommand(app, context);
@@ -46,6 +48,7 @@ int run(int argc, char** argv, Context& context) {
     addRenameCommand(app, context);
     addHistoryCommand(app, context);
     addUndoCommand(app, context);
+    addPhotosCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
     addCleanupCommand(app, context);

@@ -107,7 +107,8 @@ DecodedPicture DecoderPool::decodePicture(const FileDescriptor& file, int maximu
     const Request request{Task::picturePixels, 0, 0, bounded(maximumSide, maximumPixelsSide)};
     Answer answer = decode(request, file, options_.pixels, stop);
     const auto& done = std::get<PixelsDone>(answer.reply);
-    return {static_cast<int>(done.width), static_cast<int>(done.height), std::move(answer.bytes)};
+    return {static_cast<int>(done.width), static_cast<int>(done.height), std::move(answer.bytes),
+            static_cast<int>(done.fullWidth), static_cast<int>(done.fullHeight)};
 }
 
 Confinement DecoderPool::confinement(const std::stop_token& stop) {

@@ -71,7 +71,9 @@ Reply readPixels(const Bytes& bytes, const Request& request, std::span<std::byte
     const Picture picture = loadPicture(bytes, static_cast<int>(request.maximumSide), Colours::rgb);
     std::memcpy(result.data(), picture.pixels.data(), picture.pixels.size());
     return PixelsDone{static_cast<std::uint32_t>(picture.width),
-                      static_cast<std::uint32_t>(picture.height)};
+                      static_cast<std::uint32_t>(picture.height),
+                      static_cast<std::uint32_t>(picture.fullWidth),
+                      static_cast<std::uint32_t>(picture.fullHeight)};
 }
 
 Reply answer(const Request& request, FileDescriptor file, int socket, std::span<std::byte> result) {

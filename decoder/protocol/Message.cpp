@@ -67,7 +67,7 @@ Fields fieldsOf(const TextDone& done) {
     return {done.textBytes};
 }
 Fields fieldsOf(const PixelsDone& done) {
-    return {done.width, done.height};
+    return {done.width, done.height, done.fullWidth, done.fullHeight};
 }
 Fields fieldsOf(const Failed& failed) {
     return {failed.wrongFormat, failed.sentenceBytes};
@@ -89,7 +89,9 @@ std::optional<Reply> replyOf(const Envelope& envelope) {
     case 4:
         if (std::min(f[0], f[1]) == 0 || std::max(f[0], f[1]) > maximumPixelsSide)
             return std::nullopt;
-        return PixelsDone{f[0], f[1]};
+        if (f[2] < f[0] || f[3] < f[1] || std::uint64_t{f[2]} * f[3] > maximumPixels)
+            return std::nullopt;
+        return PixelsDone{f[0], f[1], f[2], f[3]};
     case 5:
         if (f[1] > maximumSentenceBytes) return std::nullopt;
         return Failed{f[0] != 0, f[1]};

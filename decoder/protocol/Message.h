@@ -28,6 +28,7 @@ inline constexpr std::uint32_t maximumTextBytes = 8 * 1024 * 1024;
 inline constexpr std::uint32_t maximumSentenceBytes = 512;
 inline constexpr std::uint32_t maximumRecognisedSide = 8192; // pixels
 inline constexpr std::uint32_t maximumPixelsSide = 2048;     // pixels
+inline constexpr std::uint32_t maximumPixels = 100'000'000;  // of a picture in a file
 inline constexpr std::size_t resultCapacity =
     std::size_t{maximumPixelsSide} * maximumPixelsSide * 3;
 
@@ -76,10 +77,13 @@ struct TextDone {
     bool operator==(const TextDone&) const = default;
 };
 
-/// RGB, 8 bits each, rows from top to bottom without padding.
+/// RGB, 8 bits each, rows from top to bottom without padding, scaled down from a picture of the
+/// full width and height.
 struct PixelsDone {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
+    std::uint32_t fullWidth = 0;
+    std::uint32_t fullHeight = 0;
     bool operator==(const PixelsDone&) const = default;
 };
 
