@@ -20,6 +20,7 @@ void addCommands(CLI::App& app, Context& context) {
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
     addCleanupCommand(app, context);
+    addWatchCommand(app, context);
     addFoldersCommand(app, context);
     addSearchesCommand(app, context);
     addSpacesCommand(app, context);

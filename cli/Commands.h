@@ -24,6 +24,7 @@ void addPhotosCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
 void addCleanupCommand(CLI::App& app, Context& context);
+void addWatchCommand(CLI::App& app, Context& context);
 void addFoldersCommand(CLI::App& app, Context& context);
 void addSearchesCommand(CLI::App& app, Context& context);
 void addSpacesCommand(CLI::App& app, Context& context);
