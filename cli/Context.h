@@ -52,6 +52,7 @@ void addStatusCommand(CLI::App& app, Context& context);
 void addForgetCommand(CLI::App& app, Context& context);
 void addClearCommand(CLI::App& app, Context& context);
 void addDuplicatesCommand(CLI::App& app, Context& context);
+void addThumbnailCommand(CLI::App& app, Context& context);
 void addTrashCommand(CLI::App& app, Context& context);
 void addRenameCommand(CLI::App& app, Context& context);
 void addHistoryCommand(CLI::App& app, Context& context);

@@ -42,6 +42,7 @@ int run(int argc, char** argv, Context& context) {
     addForgetCommand(app, context);
     addClearCommand(app, context);
     addDuplicatesCommand(app, context);
+    addThumbnailCommand(app, context);
     addTrashCommand(app, context);
     addRenameCommand(app, context);
     addHistoryCommand(app, context);
