@@ -31,11 +31,8 @@ class CharacterIterator {
 
     /// Passes up to `maximum` characters of `text`; returns how many and how many bytes.
     std::pair<std::size_t, std::size_t> advance(std::string_view text, std::size_t maximum) {
-        UErrorCode status = U_ZERO_ERROR;
         UText source = UTEXT_INITIALIZER;
-        utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &status);
-        ubrk_setUText(iterator_.get(), &source, &status);
-        if (U_FAILURE(status)) throw std::runtime_error("ICU cannot read text");
+        open(text, source);
         std::size_t characters = 0;
         std::int32_t bytes = 0;
         while (characters < maximum) {
@@ -48,12 +45,35 @@ class CharacterIterator {
         return {characters, static_cast<std::size_t>(bytes)};
     }
 
+    /// Where the last `maximum` characters of `text` begin, in bytes.
+    std::size_t retreat(std::string_view text, std::size_t maximum) {
+        UText source = UTEXT_INITIALIZER;
+        open(text, source);
+        std::int32_t start = ubrk_last(iterator_.get());
+        for (; maximum > 0 && start > 0; --maximum)
+            start = ubrk_previous(iterator_.get());
+        utext_close(&source);
+        return static_cast<std::size_t>(start);
+    }
+
   private:
+    void open(std::string_view text, UText& source) {
+        UErrorCode status = U_ZERO_ERROR;
+        utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &status);
+        ubrk_setUText(iterator_.get(), &source, &status);
+        if (U_FAILURE(status)) throw std::runtime_error("ICU cannot read text");
+    }
+
     struct Close {
         void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }
     };
     std::unique_ptr<UBreakIterator, Close> iterator_;
 };
+
+CharacterIterator& characterIterator() {
+    thread_local CharacterIterator iterator;
+    return iterator;
+}
 
 /// Characters and bytes of the longest prefix of `text` with at most `maximum` characters.
 ///
@@ -61,7 +81,7 @@ class CharacterIterator {
 /// runs are counted bytewise; only what surrounds other bytes goes through ICU.
 std::pair<std::size_t, std::size_t> measure(std::string_view text, std::size_t maximum) {
     constexpr std::size_t worthwhileRun = 64;
-    thread_local CharacterIterator iterator;
+    CharacterIterator& iterator = characterIterator();
     std::size_t characters = 0;
     std::size_t at = 0;
     while (at < text.size() && characters < maximum) {
@@ -136,6 +156,11 @@ std::size_t countCharacters(std::string_view text) {
 std::string_view firstCharacters(std::string_view text, std::size_t maximum) {
     if (text.size() <= maximum) return text;
     return text.substr(0, measure(text, maximum).second);
+}
+
+std::string_view lastCharacters(std::string_view text, std::size_t maximum) {
+    if (text.size() <= maximum) return text;
+    return text.substr(characterIterator().retreat(text, maximum));
 }
 
 std::string lowercased(std::string_view text) {

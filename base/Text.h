@@ -27,6 +27,9 @@ std::size_t countCharacters(std::string_view text);
 /// UTF-8.
 std::string_view firstCharacters(std::string_view text, std::size_t maximum);
 
+/// The last `maximum` characters, likewise.
+std::string_view lastCharacters(std::string_view text, std::size_t maximum);
+
 /// Lower case by Unicode's rules, independent of the user's language.
 std::string lowercased(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "cli/Context.h"
 
-#include "platform/StandardLocations.h"
+#include "app/preferences/PreferencesFile.h"
+#include "platform/PrivateDirectory.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -10,7 +11,7 @@
 namespace tovi::cli {
 
 std::unique_ptr<IndexStore> Context::openIndexForReading() const {
-    if (!std::filesystem::exists(indexPath())) {
+    if (!hasIndex()) {
         throw std::runtime_error(
             "There is no index yet. Connect a folder with: tovictl index FOLDER");
     }
@@ -19,6 +20,26 @@ std::unique_ptr<IndexStore> Context::openIndexForReading() const {
 
 std::unique_ptr<IndexStore> Context::openIndexForWriting() const {
     return std::make_unique<IndexStore>(indexPath());
+}
+
+bool Context::hasIndex() const {
+    return std::filesystem::exists(indexPath());
+}
+
+ProcessLock Context::lockForWriting() const {
+    platform::makePrivateDirectory(dataDirectory);
+    if (auto lock = ProcessLock::tryTake(dataDirectory + "/library.lock")) return *std::move(lock);
+    throw std::runtime_error("Tovi is running and keeps this library up to date. Use its window, "
+                             "or close it and try again.");
+}
+
+std::string Context::preferencesPath() const {
+    std::error_code missing;
+    return std::filesystem::weakly_canonical(dataDirectory, missing).string() + "/preferences.json";
+}
+
+Preferences Context::readPreferences() const {
+    return PreferencesFile(preferencesPath()).read();
 }
 
 void Context::print(const Json& value) const {

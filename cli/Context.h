@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/preferences/Preferences.h"
+#include "core/files/ProcessLock.h"
 #include "core/records/FileRecord.h"
 #include "core/store/IndexStore.h"
 
@@ -31,10 +33,18 @@ struct Context {
     int exitCode = ExitCode::done;
 
     std::string indexPath() const { return dataDirectory + "/index.sqlite"; }
+    std::string preferencesPath() const; // links resolved
 
     /// The index for reading; throws a sentence that names the next step where there is none.
     std::unique_ptr<IndexStore> openIndexForReading() const;
     std::unique_ptr<IndexStore> openIndexForWriting() const;
+
+    /// To be held by a command that writes the index or the settings. Throws a sentence where
+    /// another process holds it.
+    ProcessLock lockForWriting() const;
+
+    bool hasIndex() const;
+    Preferences readPreferences() const;
 
     void print(const Json& value) const;
 };
@@ -47,6 +57,8 @@ std::string decoderPath();
 
 void addIndexCommand(CLI::App& app, Context& context);
 void addSearchCommand(CLI::App& app, Context& context);
+void addAskCommand(CLI::App& app, Context& context);
+void addDownloadsCommand(CLI::App& app, Context& context);
 void addShowCommand(CLI::App& app, Context& context);
 void addStatusCommand(CLI::App& app, Context& context);
 void addForgetCommand(CLI::App& app, Context& context);
@@ -60,5 +72,10 @@ void addUndoCommand(CLI::App& app, Context& context);
 void addPhotosCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
+void addCleanupCommand(CLI::App& app, Context& context);
+void addSpacesCommand(CLI::App& app, Context& context);
+void addSearchesCommand(CLI::App& app, Context& context);
+void addPlanCommand(CLI::App& app, Context& context);
+void addFoldersCommand(CLI::App& app, Context& context);
 
 } // namespace tovi::cli

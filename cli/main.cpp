@@ -37,6 +37,8 @@ int run(int argc, char** argv, Context& context) {
     app.add_flag("--json", context.json, "Print JSON for programs");
     addIndexCommand(app, context);
     addSearchCommand(app, context);
+    addAskCommand(app, context);
+    addDownloadsCommand(app, context);
     addShowCommand(app, context);
     addStatusCommand(app, context);
     addForgetCommand(app, context);
@@ -50,6 +52,11 @@ int run(int argc, char** argv, Context& context) {
     addPhotosCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
+    addCleanupCommand(app, context);
+    addFoldersCommand(app, context);
+    addSearchesCommand(app, context);
+    addSpacesCommand(app, context);
+    addPlanCommand(app, context);
     app.parse_complete_callback([&] {
         context.dataDirectory = context.dataDirectory.empty() ? platform::dataHome() + "/Ardeno"
                                                               : absolutePath(context.dataDirectory);

@@ -48,6 +48,16 @@ function(tovi_library name)
     target_link_libraries(${name} PUBLIC ${ARG_USES} PRIVATE ${ARG_PRIVATE})
 endfunction()
 
+# The same for a library of QObjects.
+function(tovi_qt_library name)
+    tovi_library(${name} ${ARGN})
+    # Qt 6.4's moc stops at GCC 12's <concepts>, which it need not know.
+    set_target_properties(${name} PROPERTIES AUTOMOC ON
+                          AUTOMOC_MOC_OPTIONS -D_GLIBCXX_CONCEPTS)
+    target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
+    target_link_libraries(${name} PUBLIC Qt6::Core)
+endfunction()
+
 function(tovi_executable name)
     cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
@@ -73,5 +83,14 @@ function(tovi_test name)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${ARG_USES} GTest::gmock GTest::gtest_main)
     target_compile_definitions(${name} PRIVATE TOVI_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()
+
+# The same for a program whose cases need a QCoreApplication.
+function(tovi_qt_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES} ${CMAKE_SOURCE_DIR}/tests/support/QtTestMain.cpp)
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${ARG_USES} GTest::gmock GTest::gtest Qt6::Test)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
 endfunction()

@@ -1,5 +1,5 @@
 #include "base/Text.h"
-#include "cli/Context.h"
+#include "cli/Folders.h"
 #include "cli/Format.h"
 #include "cli/ProgressLine.h"
 #include "core/indexing/FileIndexer.h"
@@ -28,16 +28,14 @@ struct IndexArguments {
 
 constexpr std::size_t errorsShown = 20;
 
-std::optional<std::string> downloadsDirectory() {
-    const auto folder = platform::downloadsDirectory();
-    std::error_code missing;
-    if (!folder) return std::nullopt;
-    return std::filesystem::weakly_canonical(*folder, missing).string();
-}
-
 std::vector<std::string> rootsIn(const Context& context) {
-    if (!std::filesystem::exists(context.indexPath())) return {};
-    return context.openIndexForReading()->roots();
+    std::vector<std::string> roots;
+    for (const FolderGrant& root : context.readPreferences().roots)
+        roots.push_back(root.path);
+    if (!context.hasIndex()) return roots;
+    for (std::string& root : context.openIndexForReading()->roots())
+        roots.push_back(std::move(root));
+    return roots;
 }
 
 /// The folders to scan: those named, else those connected; a rebuilt index gets both. All are
@@ -86,18 +84,29 @@ void index(const IndexArguments& arguments, Context& context) {
     decoder::DecoderPool decoders({.program = decoderPath()});
     const ContentExtractor extractor(decoders, decoders);
     const FileIndexer indexer(availability, extractor,
-                              {.downloadsDirectory = downloadsDirectory(),
+                              {.downloadsDirectory = platform::downloadsDirectory(),
                                .readers = std::max(1U, std::thread::hardware_concurrency())});
 
     const std::vector<std::string> roots = chooseRoots(arguments, context, indexer);
-    if (arguments.rebuild && std::filesystem::exists(context.indexPath())) {
+    const ProcessLock lock = context.lockForWriting();
+    if (arguments.rebuild && context.hasIndex()) {
         const std::string aside = moveIndexAside(context.indexPath(), Date::now());
         fmt::print(stderr, "The old index was moved to {}\n", printable(aside));
     }
     const auto store = context.openIndexForWriting();
+    if (!arguments.folders.empty()) {
+        std::vector<std::string> named;
+        for (const std::string& folder : arguments.folders)
+            named.push_back(indexer.acceptedRoot(folder));
+        rememberFolders(named, indexer, context);
+    }
     Json reports = Json::array();
     for (const std::string& root : roots) {
         try {
+            if (!isTheConnectedFolder(root, context)) {
+                throw IntelligenceError::inaccessible(root +
+                                                      ": Another folder was connected there");
+            }
             const auto started = std::chrono::steady_clock::now();
             ScanReport report;
             {

@@ -78,7 +78,8 @@ CheckedFile FileChecks::checkAgain(const std::string& path) const {
         throw ActionError("This file is not available locally. No content was read.");
     }
     try {
-        return {entry, takeSnapshot(entry, availability_, stop_), attributes->linkCount};
+        return {entry, takeSnapshot(entry, availability_, stop_), attributes->linkCount,
+                attributes->changed};
     } catch (const SnapshotError& error) {
         throw ActionError(error.what());
     }
@@ -107,21 +108,29 @@ CheckedFile FileChecks::checkReviewed(const PlannedFileAction& item) const {
     return file;
 }
 
-void FileChecks::checkRetained(const std::vector<RetainedFile>& files,
-                               const std::string& digest) const {
-    for (const RetainedFile& file : files) {
-        bool isWhole = false;
-        try {
-            if (digest.empty() || file.snapshot.digest == digest) {
-                isWhole = checkAgain(file.path).snapshot.matches(file.snapshot);
-            } else {
-                requireContained(file.path);
-                isWhole = leadsTo(openEntry(file.path), file.snapshot);
+bool FileChecks::isWhole(const RetainedFile& file, bool read) {
+    try {
+        const auto known = retainedAt_.find(file.path);
+        if (!read && known != retainedAt_.end()) {
+            requireContained(file.path);
+            const DirectoryEntry entry = openEntry(file.path);
+            const auto found = entry.attributes();
+            if (found && found->changed.tv_sec == known->second.tv_sec &&
+                found->changed.tv_nsec == known->second.tv_nsec) {
+                return leadsTo(entry, file.snapshot);
             }
-        } catch (const ActionError&) {
-            isWhole = false;
         }
-        if (!isWhole) {
+        const CheckedFile checked = checkAgain(file.path);
+        retainedAt_[file.path] = checked.changed;
+        return checked.snapshot.matches(file.snapshot);
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+void FileChecks::checkRetained(const std::vector<RetainedFile>& files, const std::string& digest) {
+    for (const RetainedFile& file : files) {
+        if (!isWhole(file, file.snapshot.digest == digest)) {
             throw ActionError("The retained copy changed or disappeared. No further duplicates "
                               "will be moved.");
         }

@@ -1,5 +1,6 @@
 #include "core/indexing/FileIndexer.h"
 
+#include "base/Cancelled.h"
 #include "base/SystemError.h"
 #include "base/Text.h"
 #include "core/indexing/DownloadMetadata.h"
@@ -244,8 +245,10 @@ class Scan final : public platform::WalkVisitor {
     }
 
     void storeAll() {
-        while (!queue_.isEmpty())
+        while (!queue_.isEmpty()) {
+            throwIfCancelled(context_.stop);
             store(queue_.take());
+        }
     }
 
     void store(FileRead read) {

@@ -1,9 +1,9 @@
 #include "core/store/IndexSchema.h"
 
-#include "base/SystemError.h"
 #include "core/records/DownloadOrigin.h"
 #include "core/records/IntelligenceError.h"
 #include "core/store/TextMatches.h"
+#include "platform/PrivateDirectory.h"
 
 #include <filesystem>
 
@@ -124,12 +124,6 @@ bool hasDownloadedColumn(Database& database) {
     }
 }
 
-void makePrivateDirectory(const std::filesystem::path& path) {
-    if (path.empty() || std::filesystem::exists(path)) return;
-    makePrivateDirectory(path.parent_path());
-    if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) throw systemError(path.string());
-}
-
 void makePrivate(const std::string& path) {
     ::chmod(path.c_str(), 0600);
 }
@@ -137,7 +131,7 @@ void makePrivate(const std::string& path) {
 } // namespace
 
 std::unique_ptr<Database> openIndexForWriting(const std::string& path) {
-    makePrivateDirectory(std::filesystem::path(path).parent_path());
+    platform::makePrivateDirectory(std::filesystem::path(path).parent_path());
     auto database = std::make_unique<Database>(path, Database::Access::readWrite);
     registerSourceGroup(*database);
     registerTextFunctions(*database);

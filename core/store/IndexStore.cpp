@@ -191,6 +191,66 @@ std::optional<FileRecord> IndexStore::record(const std::string& path) {
     return recordOf(statement, Content::included);
 }
 
+std::vector<FileRecord> IndexStore::records(const std::vector<std::string>& paths,
+                                            const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT * FROM files WHERE path = ?");
+    std::vector<FileRecord> records;
+    for (const std::string& path : paths) {
+        throwIfCancelled(stop);
+        statement.bind(path);
+        if (statement.step()) records.push_back(recordOf(statement, Content::leftOut));
+        statement.reset();
+    }
+    return records;
+}
+
+std::vector<FileRecord> IndexStore::filesInFolder(const std::string& folder, std::int64_t limit) {
+    constexpr int mostSteps = 10'000;
+    const std::string prefix = folder == "/" ? folder : folder + '/';
+    const std::string end = prefix.substr(0, prefix.size() - 1) + '0'; // "0" follows "/"
+    const std::lock_guard lock(mutex_);
+    Statement next(*db_, "SELECT * FROM files WHERE path >= ? AND path < ? ORDER BY path LIMIT 1");
+    std::vector<FileRecord> records;
+    std::string start = prefix + '\1'; // no text without NUL lies between the two
+    for (int steps = 0; steps < mostSteps; ++steps) {
+        if (static_cast<std::int64_t>(records.size()) >= limit) break;
+        next.bind(start).bind(end);
+        if (!next.step()) break;
+        const std::string_view path = next.text(0);
+        const std::size_t slash = path.find('/', prefix.size());
+        if (slash == std::string_view::npos) {
+            start = std::string(path) + '\1';
+            records.push_back(recordOf(next, Content::leftOut));
+        } else {
+            start = std::string(path.substr(0, slash)) + '0'; // past everything below it
+        }
+        next.reset();
+    }
+    return records;
+}
+
+std::optional<Date> IndexStore::newestBefore(Date date) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT max(modified) FROM files WHERE modified < ?");
+    statement.bind(date.seconds);
+    statement.step();
+    return optionalDate(statement, 0);
+}
+
+std::vector<KindTotal> IndexStore::modifiedBetween(Date start, Date end) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT kind, count(*), sum(size) FROM files INDEXED BY "
+                              "files_listing WHERE modified >= ? AND modified < ? GROUP BY kind");
+    statement.bind(start.seconds).bind(end.seconds);
+    std::vector<KindTotal> totals;
+    while (statement.step()) {
+        totals.push_back({fileKindFromRawValue(statement.text(0)).value_or(FileKind::other),
+                          statement.integer(1), statement.integer(2)});
+    }
+    return totals;
+}
+
 std::vector<IndexScanRecord> IndexStore::scanRecords(const std::string& rootPath) {
     std::vector<IndexScanRecord> records;
     forEachScanRecord(rootPath, [&](const IndexScanRecord& record) { records.push_back(record); });
@@ -257,6 +317,33 @@ void IndexStore::adoptRows(const std::string& rootPath) {
     if (db_->changes() > 0) ++revision_;
 }
 
+void IndexStore::moveRoot(const std::string& from, const std::string& to) {
+    const std::lock_guard lock(mutex_);
+    Transaction transaction(*db_, Transaction::Kind::writing);
+    // Substrings count characters, and so does the length.
+    Statement rename(*db_, "UPDATE OR IGNORE files SET root = ?2, "
+                           "path = ?2 || substr(path, length(?1) + 1) WHERE root = ?1");
+    rename.bind(from).bind(to);
+    rename.run();
+    Statement remove(*db_, "DELETE FROM files WHERE root = ?");
+    remove.bind(from);
+    remove.run();
+    transaction.commit();
+    ++revision_;
+}
+
+std::vector<FileRecord> IndexStore::filesSharingSize(const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    return cancellable(*db_, stop, [&] {
+        Statement statement(*db_,
+                            "SELECT * FROM files WHERE kind NOT IN ('folder','application') AND "
+                            "size IN (SELECT size FROM files "
+                            "WHERE kind NOT IN ('folder','application') "
+                            "GROUP BY size HAVING count(*) > 1)");
+        return readAll(statement, Content::leftOut, stop);
+    });
+}
+
 void IndexStore::clear() {
     const std::lock_guard lock(mutex_);
     db_->execute("DELETE FROM files;");
@@ -264,6 +351,16 @@ void IndexStore::clear() {
     db_->execute("INSERT INTO files_fts(files_fts) VALUES('rebuild'); "
                  "INSERT INTO files_names(files_names) VALUES('rebuild'); "
                  "PRAGMA wal_checkpoint(TRUNCATE); VACUUM;");
+}
+
+std::vector<FileRecord> IndexStore::downloads(const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    return cancellable(*db_, stop, [&] {
+        Statement statement(*db_, "SELECT * FROM files INDEXED BY files_scan "
+                                  "WHERE kind <> 'folder' AND (source IS NOT NULL OR "
+                                  "downloaded IS NOT NULL OR instr(path, '/Downloads/') > 0)");
+        return readAll(statement, Content::leftOut, stop);
+    });
 }
 
 std::vector<std::string> IndexStore::roots() {
@@ -277,6 +374,13 @@ std::vector<std::string> IndexStore::roots() {
         roots.emplace_back(next.text(0));
         next.reset();
     }
+}
+
+std::int64_t IndexStore::count() {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT count(*) FROM files");
+    statement.step();
+    return statement.integer(0);
 }
 
 IndexSummary IndexStore::summary(const std::optional<std::string>& rootPath) {

@@ -25,6 +25,13 @@ struct IndexSummary {
     std::int64_t total() const;
 };
 
+/// Files of one kind, in numbers.
+struct KindTotal {
+    FileKind kind;
+    std::int64_t files;
+    std::int64_t bytes;
+};
+
 /// Owns the connection to the index, the file "index.sqlite". May be called from any thread: each
 /// operation holds the one lock for as long as it runs. Other processes may read meanwhile, and a
 /// second writer waits up to five seconds for the first.
@@ -54,6 +61,20 @@ class IndexStore {
 
     std::optional<FileRecord> record(const std::string& path);
 
+    /// The files of these paths that are in the index, in the order given, without content.
+    std::vector<FileRecord> records(const std::vector<std::string>& paths,
+                                    const std::stop_token& stop = {});
+
+    /// Files that lie in `folder` itself, by path, without content. Looks past 10,000 files and
+    /// folders at the most.
+    std::vector<FileRecord> filesInFolder(const std::string& folder, std::int64_t limit);
+
+    /// The latest modification before `date`.
+    std::optional<Date> newestBefore(Date date);
+
+    /// The files modified from `start` on and before `end`.
+    std::vector<KindTotal> modifiedBetween(Date start, Date end);
+
     std::vector<IndexScanRecord> scanRecords(const std::string& rootPath);
 
     /// The same rows one at a time, for roots of any size; `each` must not call the store.
@@ -72,11 +93,24 @@ class IndexStore {
     /// Hands the rows below `rootPath` that a connected folder above it holds over to it.
     void adoptRows(const std::string& rootPath);
 
+    /// Takes the rows of a connected folder along to its new path. Rows that lie there already
+    /// stay as they are, and those they stand for are deleted.
+    void moveRoot(const std::string& from, const std::string& to);
+
+    /// Files, folders and applications aside, whose size another of them has; without content.
+    std::vector<FileRecord> filesSharingSize(const std::stop_token& stop = {});
+
     /// Empties the index and compacts its file, so that no text lingers in free pages.
     void clear();
 
+    /// The files that may be downloads, in no order and without content: those with an address or
+    /// a date of download, and those below a folder "Downloads".
+    std::vector<FileRecord> downloads(const std::stop_token& stop = {});
+
     /// The connected folders that have files in the index, in byte order.
     std::vector<std::string> roots();
+
+    std::int64_t count();
 
     /// Of the whole index, or of one connected folder.
     IndexSummary summary(const std::optional<std::string>& rootPath = std::nullopt);

@@ -118,7 +118,8 @@ std::string SystemBookmarks::create(const DirectoryEntry& item) {
     json["volume"] = volumeNumber(item.directory(), item.path());
     json["inode"] = attributes->inode;
     json["createdAt"] = attributes->createdAt.seconds;
-    json["hasOtherNames"] = attributes->linkCount > 1;
+    // A directory's links are its own "." and those of the directories in it.
+    json["hasOtherNames"] = attributes->type != FileType::directory && attributes->linkCount > 1;
     HandleBuffer buffer;
     buffer.get()->handle_bytes = MAX_HANDLE_SZ;
     int mount = 0;

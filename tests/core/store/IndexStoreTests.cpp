@@ -235,6 +235,32 @@ TEST_F(IndexStoreTest, SummarisesWhatItHolds) {
                 ElementsAre(std::pair(failed.path, failed.contentStatus)));
 }
 
+TEST_F(IndexStoreTest, TakesTheRowsOfARootAlong) {
+    IndexStore store(path);
+    for (const char* old : {"/ä/one", "/ä/b/two"}) {
+        FileRecord record = makeRecord(old, "words");
+        record.rootPath = "/ä";
+        store.upsert(record);
+    }
+    store.upsert(makeRecord("/new/one", "newer"));
+    store.moveRoot("/ä", "/new");
+    EXPECT_THAT(find(store, "words"), ElementsAre("/new/b/two"));
+    EXPECT_THAT(find(store, "newer"), ElementsAre("/new/one"));
+    EXPECT_EQ(store.count(), 2);
+    EXPECT_THAT(store.roots(), ElementsAre("/new", "/root"));
+}
+
+TEST_F(IndexStoreTest, FindsTheFilesThatShareTheirSize) {
+    IndexStore store(path);
+    for (const char* name : {"/a", "/b", "/c", "/bundle"}) {
+        FileRecord record = makeRecord(name, "same");
+        if (record.path == "/c") record.size = 9;
+        if (record.path == "/bundle") record.kind = FileKind::application;
+        store.upsert(record);
+    }
+    EXPECT_THAT(paths(store.filesSharingSize()), testing::UnorderedElementsAre("/a", "/b"));
+}
+
 TEST_F(IndexStoreTest, StopsReadingWhenCancelled) {
     IndexStore store(path);
     store.upsert(makeRecord("/root/a"));

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "app/lists/DifferenceListModel.h"
+#include "core/records/FileRecord.h"
+
+namespace tovi {
+
+/// Files of the index by their path. Roles: path, name, folder, kind, kindTitle, symbol, size
+/// (bytes), createdAt, modifiedAt, indexedAt, downloadedAt, contentStatus, sourceURL, sha256,
+/// rootPath.
+class RecordList final : public DifferenceListModel<FileRecord> {
+  public:
+    explicit RecordList(QObject* parent = nullptr);
+};
+
+/// The same values by the names of the roles, for one file; empty without one.
+QVariantMap toVariantMap(const FileRecord& file);
+
+} // namespace tovi

@@ -1,0 +1,160 @@
+#include "app/model/FoldersModel.h"
+
+#include "app/lists/QtConversions.h"
+#include "base/Text.h"
+#include "platform/StandardLocations.h"
+
+#include <QPointer>
+
+namespace tovi {
+namespace {
+
+struct Granted {
+    std::vector<FolderGrant> grants;
+    std::string refusals;
+};
+
+void addSentence(std::string& text, const std::string& sentence) {
+    if (!text.empty()) text += '\n';
+    text += sentence;
+}
+
+bool isDirectory(const std::string& path) {
+    try {
+        return platform::attributesOf(path).type == platform::FileType::directory;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+} // namespace
+
+FoldersModel::FoldersModel(ModelContext& context, const FileIndexer& indexer,
+                           platform::Bookmarks& bookmarks, FolderPicker& picker)
+    : context_(context),
+      indexer_(indexer),
+      bookmarks_(bookmarks),
+      picker_(picker),
+      list_([](const FolderGrant& grant) { return grant.path; },
+            {{"path", [](const FolderGrant& grant) { return toQt(grant.path); }},
+             {"name", [](const FolderGrant& grant) { return toQt(lastPathComponent(grant.path)); }},
+             {"available", [](const FolderGrant& grant) { return grant.available; }}}) {}
+
+std::vector<std::string> FoldersModel::availablePaths() const {
+    std::vector<std::string> paths;
+    for (const FolderGrant& grant : roots()) {
+        if (grant.available) paths.push_back(grant.path);
+    }
+    return paths;
+}
+
+void FoldersModel::presentFolderPicker() {
+    pick({"Choose a folder for Tovi", "Add folders for your library and automatic cleanup.",
+          "Allow this folder", std::nullopt});
+}
+
+void FoldersModel::addHomeFolder() {
+    const std::string home = platform::homeDirectory();
+    if (!isDirectory(home)) {
+        setConnectionMessage(
+            "Could not locate your Home folder. Use Add folder to choose it manually.");
+        return;
+    }
+    pick({"Connect your personal files", "Connect once for your files and cleanup.",
+          "Connect this folder", home});
+}
+
+void FoldersModel::pick(const FolderPicker::Request& request) {
+    if (!context_.isLoaded || isPresentingFolderPicker_ || context_.isInMaintenance()) return;
+    isPresentingFolderPicker_ = true;
+    Q_EMIT changed();
+    picker_.pick(request, [self = QPointer(this)](const std::optional<std::string>& folder) {
+        if (!self || !self->isPresentingFolderPicker_) return;
+        self->isPresentingFolderPicker_ = false;
+        Q_EMIT self->changed();
+        if (folder) self->grantFolders({toQt(*folder)});
+    });
+}
+
+void FoldersModel::grantFolders(const QStringList& folders) {
+    if (!context_.isLoaded) return;
+    std::vector<std::string> chosen;
+    for (const QString& folder : folders)
+        chosen.push_back(fromQt(folder));
+    runInBackground(
+        context_.executor, this, {},
+        [chosen, &indexer = indexer_, &bookmarks = bookmarks_](const std::stop_token&) {
+            Granted granted;
+            for (const std::string& folder : chosen) {
+                try {
+                    granted.grants.push_back(makeGrant(folder, indexer, bookmarks));
+                } catch (const std::exception& error) {
+                    addSentence(granted.refusals, error.what());
+                }
+            }
+            return granted;
+        },
+        [this](const Outcome<Granted>& outcome) {
+            if (!outcome) return setConnectionMessage(outcome.error);
+            std::string message = outcome.value->refusals;
+            std::vector<FolderGrant> roots = list_.rows();
+            QStringList added;
+            for (const FolderGrant& grant : outcome.value->grants) {
+                if (const auto refusal = addGrant(roots, grant)) {
+                    addSentence(message, *refusal);
+                } else {
+                    added.append(toQt(grant.path));
+                }
+            }
+            setConnectionMessage(message);
+            if (added.isEmpty()) return;
+            list_.replace(std::move(roots));
+            Q_EMIT rootsEdited();
+            Q_EMIT connected(toQt(lastPathComponent(fromQt(added.last()))), added);
+        });
+}
+
+void FoldersModel::dismissConnectionMessage() {
+    setConnectionMessage({});
+}
+
+void FoldersModel::setConnectionMessage(const std::string& text) {
+    if (toQt(text) == connectionMessage_) return;
+    connectionMessage_ = toQt(text);
+    Q_EMIT changed();
+}
+
+void FoldersModel::restore(std::vector<FolderGrant> roots) {
+    list_.replace(std::move(roots));
+}
+
+void FoldersModel::applyChecks(const std::vector<FolderGrant>& before,
+                               const std::vector<FolderGrant>& after) {
+    const std::vector<FolderGrant> old = list_.rows();
+    std::vector<FolderGrant> roots = old;
+    for (FolderGrant& root : roots) {
+        const auto checked = std::find(before.begin(), before.end(), root);
+        if (checked != before.end()) {
+            root = after[static_cast<std::size_t>(checked - before.begin())];
+        }
+    }
+    if (roots == old) return;
+    list_.replace(roots);
+    for (std::size_t at = 0; at < old.size(); ++at) {
+        if (old[at].path != roots[at].path) {
+            Q_EMIT rootMoved(toQt(old[at].path), toQt(roots[at].path));
+        }
+    }
+    Q_EMIT rootsEdited();
+}
+
+void FoldersModel::forget(const std::string& path) {
+    std::vector<FolderGrant> roots = list_.rows();
+    if (std::erase_if(roots, [&](const FolderGrant& root) { return root.path == path; }) == 0) {
+        return;
+    }
+    list_.replace(std::move(roots));
+    Q_EMIT rootsEdited();
+}
+
+} // namespace tovi

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/model/FolderGrants.h"
+#include "app/model/IndexConnections.h"
+
+#include <cstdint>
+#include <functional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace tovi {
+
+/// The connected folders as the disk has them; rows of a folder that was renamed move along in
+/// the index, if there is one. Blocks.
+std::vector<FolderGrant> checkRoots(const std::vector<FolderGrant>& roots, IndexStore* store,
+                                    platform::Bookmarks& bookmarks, const std::stop_token& stop);
+
+struct ScanSettings {
+    std::vector<std::string> roots; // in the order in which they are scanned
+    std::vector<std::string> exclusions;
+    bool includeCode = false;
+};
+
+/// One step of a scan, kept for another thread.
+struct PublishedProgress {
+    std::int64_t count = 0;
+    std::string root;
+    bool isFinished = false; // with this root
+};
+
+struct ScanOutcome {
+    std::vector<std::string> unavailable; // one sentence for each root that could not be scanned
+    std::vector<std::string> unread;      // one line for each file that could not be read
+};
+
+std::string unavailableFolder(const std::string& path);
+
+/// Scans the roots one after the other. Blocks. Throws the store's errors and `Cancelled`.
+ScanOutcome runScan(const ScanSettings& settings, const FileIndexer& indexer, IndexStore& store,
+                    const std::function<void(PublishedProgress)>& progress,
+                    const std::stop_token& stop);
+
+} // namespace tovi

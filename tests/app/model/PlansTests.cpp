@@ -1,0 +1,206 @@
+#include "tests/app/model/ModelFixture.h"
+
+namespace tovi {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+class PlansTest : public ModelFixture {
+  protected:
+    void SetUp() override {
+        for (const char* name : {"a.txt", "b.txt", "c.txt"})
+            tree.write(name, "the same words");
+        model = start();
+        connectTree();
+    }
+    PlansModel& plans() { return *model->plans(); }
+    void instruct(const char* text, const QStringList& selection) {
+        model->notices()->dismissError();
+        model->selection()->setSelectedIDs(selection);
+        model->planAgent(QString::fromUtf8(text));
+        executor.settle();
+    }
+    void confirm() {
+        plans().confirmPlan(plans().proposedPlanValues()[QStringLiteral("id")].toString());
+        executor.settle();
+    }
+};
+
+TEST_F(PlansTest, UnderstandsTwoInstructions) {
+    const QStringList one{at("a.txt")};
+    const QStringList two{at("a.txt"), at("b.txt")};
+    const std::string moveTwo = "Move 2 files to Trash";
+    struct Case {
+        const char* text;
+        QStringList selection;
+        std::string title; // empty where the instruction is refused
+    };
+    for (const Case& example :
+         std::vector<Case>{{"  Trash SELECTED files\n", two, moveTwo},
+                           {"trash selected", two, moveTwo},
+                           {"Rename selected to New Name.TXT", one, "Rename file"},
+                           {"rename selected to x.txt", two, ""},
+                           {"trash selected", {}, ""},
+                           {"trash everything", two, ""},
+                           {"", one, ""}}) {
+        plans().cancelPlan();
+        model->selection()->clear();
+        instruct(example.text, example.selection);
+        ASSERT_EQ(plans().proposedPlan().has_value(), !example.title.empty()) << example.text;
+        EXPECT_EQ(error().empty(), !example.title.empty());
+        if (example.title.empty()) {
+            EXPECT_THAT(error(), StartsWith("Supported plans: ‘trash selected’ or"));
+        } else {
+            EXPECT_EQ(plans().proposedPlan()->title, example.title);
+        }
+    }
+    instruct("Rename selected to New Name.TXT", one);
+    EXPECT_EQ(plans().proposedPlan()->items[0].destinationPath, tree.path("New Name.TXT"));
+}
+
+TEST_F(PlansTest, ExecutesWhatWasReviewedAndTakesItBack) {
+    instruct("trash selected", {at("a.txt")});
+    const QString reviewed = plans().proposedPlanValues()[QStringLiteral("id")].toString();
+    instruct("trash selected", {at("b.txt")});
+    plans().confirmPlan(reviewed);
+    EXPECT_EQ(error(), "The reviewed plan changed. Review the current paths before confirming.");
+    EXPECT_FALSE(plans().isExecuting());
+
+    confirm();
+    EXPECT_TRUE(fs::exists(tree.path("a.txt")));
+    EXPECT_FALSE(fs::exists(tree.path("b.txt")));
+    EXPECT_FALSE(plans().proposedPlan());
+    EXPECT_THAT(plans().receipts(), SizeIs(1));
+    EXPECT_THAT(model->library()->records(), SizeIs(2));
+
+    plans().undoLast();
+    executor.settle();
+    EXPECT_TRUE(fs::exists(tree.path("b.txt")));
+    EXPECT_THAT(model->library()->records(), SizeIs(3));
+    EXPECT_TRUE(plans().receipts().front().undone);
+}
+
+TEST_F(PlansTest, FollowsARenameInTheIndexAtOnce) {
+    instruct("rename selected to d.md", {at("a.txt")});
+    model->scan()->pauseIndexing();
+    confirm();
+    model->search()->search(QStringLiteral("d.md"));
+    executor.settle();
+    ASSERT_THAT(names(model->search()->records()), ElementsAre("d.md"));
+    EXPECT_EQ(model->search()->records()[0].path, tree.path("d.md"));
+}
+
+TEST_F(PlansTest, RefusesAPlanForAFolderThatWasDisconnected) {
+    instruct("trash selected", {at("a.txt")});
+    model->removeRoot(QString::fromStdString(tree.path()));
+    executor.settle();
+    confirm();
+    EXPECT_EQ(error(), "The reviewed plan changed. Review the current paths before confirming.");
+    EXPECT_TRUE(fs::exists(tree.path("a.txt")));
+}
+
+TEST_F(PlansTest, CleansDuplicatesAndKeepsOne) {
+    model->duplicates()->findDuplicates();
+    model->duplicates()->findDuplicates();
+    executor.settle();
+    ASSERT_THAT(model->duplicates()->groups(), SizeIs(1));
+    EXPECT_EQ(model->duplicates()->reclaimableBytes(), 28);
+    model->proposeDuplicateTrash({at("a.txt"), at("b.txt"), at("c.txt")}, {});
+    executor.settle();
+    EXPECT_EQ(error(), "No verified retained copy exists for this duplicate.");
+    model->proposeDuplicateTrash({at("b.txt"), at("c.txt")}, {at("a.txt")});
+    executor.settle();
+    confirm();
+    EXPECT_TRUE(fs::exists(tree.path("a.txt")));
+    EXPECT_FALSE(fs::exists(tree.path("b.txt")));
+}
+
+TEST_F(PlansTest, ReviewsOriginalsOfTheVaultInsideConnectedFoldersOnly) {
+    const QString outside = QString::fromStdString(data.write("outside.txt"));
+    plans().proposeVaultOriginalTrash({outside, at("a.txt")});
+    executor.settle();
+    EXPECT_THAT(error(), StartsWith("Your encrypted copies are saved. To remove originals"));
+    ASSERT_TRUE(plans().isVaultOriginalReview());
+    EXPECT_THAT(plans().proposedPlan()->items, SizeIs(1));
+    plans().cancelVaultOriginalReview();
+    EXPECT_FALSE(plans().proposedPlan());
+}
+
+TEST_F(PlansTest, KeepsADeletedProjectForEightSeconds) {
+    SpacesModel& spaces = *model->spaces();
+    EXPECT_EQ(spaces.createSpace(QStringLiteral("  ")), QString());
+    const QString id =
+        spaces.createSpace(QStringLiteral("Taxes "), {at("a.txt"), at("a.txt"), at("b.txt")});
+    EXPECT_TRUE(spaces.removeFromSpace(id, {at("a.txt")}));
+    EXPECT_FALSE(spaces.renameSpace(QStringLiteral("unknown"), QStringLiteral("x")));
+    EXPECT_TRUE(spaces.removeSpace(id));
+    executor.advance(7);
+    EXPECT_TRUE(spaces.showsDeletedSpaceNotice());
+    EXPECT_THAT(preferences(), HasSubstr("recentlyDeletedSpace"));
+    EXPECT_TRUE(spaces.restoreDeletedSpace());
+    EXPECT_FALSE(spaces.showsDeletedSpaceNotice());
+    EXPECT_EQ(spaces.spaces().front().name, "Taxes");
+    EXPECT_THAT(spaces.spaces().front().paths, ElementsAre(tree.path("b.txt")));
+
+    spaces.removeSpace(id);
+    executor.advance(4); // the first deletion's eight seconds are over, the second's are not
+    EXPECT_TRUE(spaces.showsDeletedSpaceNotice());
+    executor.advance(5);
+    EXPECT_FALSE(spaces.showsDeletedSpaceNotice());
+    EXPECT_FALSE(spaces.restoreDeletedSpace());
+    executor.settle();
+    EXPECT_THAT(preferences(), testing::Not(HasSubstr("recentlyDeletedSpace")));
+}
+
+TEST_F(PlansTest, CopiesTheStoredTextAndSaysOfWhat) {
+    tree.write("photo.bin", std::string("\xff\0\x01", 3));
+    model->scan()->rescan();
+    executor.settle();
+    const auto message = [&](const QStringList& selection) {
+        model->selection()->setSelectedIDs(selection);
+        model->copyIndexedText();
+        executor.settle();
+        return model->copyText()->copyTextMessage().toStdString();
+    };
+    EXPECT_EQ(message({at("photo.bin")}),
+              "No readable text yet. Wait for scanning to finish, or choose a different file.");
+    EXPECT_EQ(clipboard.text, "");
+    executor.advance(5);
+    EXPECT_EQ(message({at("a.txt")}), "Text copied from a.txt");
+    executor.advance(4); // the first notice's time is over
+    EXPECT_EQ(model->copyText()->copyTextMessage().toStdString(), "Text copied from a.txt");
+    EXPECT_EQ(message({at("a.txt"), at("b.txt"), at("photo.bin")}),
+              "Text copied from 2 files; 1 file left out (photo.bin) because no readable text was "
+              "found.");
+    EXPECT_EQ(clipboard.text, "the same words\n\nthe same words");
+    clipboard.works = false;
+    EXPECT_EQ(message({at("a.txt")}), "Couldn’t copy text. Please try again.");
+    executor.advance(8);
+    EXPECT_EQ(model->copyText()->copyTextMessage(), QString());
+}
+
+TEST_F(PlansTest, StopsCopyingAtEightMebibytes) {
+    IndexStore store(data.path("index.sqlite"));
+    QStringList paths;
+    for (int n = 0; n < 9; ++n) {
+        FileRecord record;
+        record.path = "/large/" + std::to_string(n);
+        record.content = std::string(1 << 20, 'x');
+        store.upsert(record);
+        paths.append(QString::fromStdString(record.path));
+    }
+    model->selection()->setSelectedIDs(paths);
+    model->copyIndexedText();
+    executor.settle();
+    EXPECT_EQ(model->copyText()->copyTextMessage().toStdString(),
+              "Text copied from 7 files; choose fewer files to copy more.");
+    EXPECT_LE(clipboard.text.size(), CopyTextModel::largestText);
+}
+
+} // namespace
+} // namespace tovi
