@@ -17,6 +17,7 @@ void addCommands(CLI::App& app, Context& context) {
     addHistoryCommand(app, context);
     addUndoCommand(app, context);
     addPhotosCommand(app, context);
+    addThumbnailCommand(app, context);
     addPrivacyCommand(app, context);
     addVaultCommand(app, context);
     addCleanupCommand(app, context);

@@ -21,6 +21,7 @@ void addRenameCommand(CLI::App& app, Context& context);
 void addHistoryCommand(CLI::App& app, Context& context);
 void addUndoCommand(CLI::App& app, Context& context);
 void addPhotosCommand(CLI::App& app, Context& context);
+void addThumbnailCommand(CLI::App& app, Context& context);
 void addPrivacyCommand(CLI::App& app, Context& context);
 void addVaultCommand(CLI::App& app, Context& context);
 void addCleanupCommand(CLI::App& app, Context& context);
