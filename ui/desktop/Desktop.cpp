@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "platform/Sandbox.h"
 #include "platform/StandardLocations.h"
+#include "ui/desktop/DesktopIntegration.h"
 #include "ui/desktop/DesktopPorts.h"
 
 #include <QCommandLineParser>
@@ -36,7 +37,7 @@ class CommandLine {
     CommandLine() {
         parser_.setApplicationDescription(
             QStringLiteral("Tovi, a private file companion for the desktop."));
-        parser_.addOptions({dataDirectory_, section_});
+        parser_.addOptions({dataDirectory_, section_, quickSearch_, service_});
     }
 
     /// Prints help or version, which need no display, and ends the program if they are asked for.
@@ -55,6 +56,8 @@ class CommandLine {
         const QByteArray given = QFile::encodeName(parser_.value(dataDirectory_));
         return std::filesystem::absolute(given.toStdString()).lexically_normal().string();
     }
+    bool isQuickSearch() const { return parser_.isSet(quickSearch_); }
+    bool isService() const { return parser_.isSet(service_); }
     QString section() const { return parser_.value(section_); }
 
   private:
@@ -65,6 +68,11 @@ class CommandLine {
     const QCommandLineOption section_{QStringLiteral("section"),
                                       QStringLiteral("The screen to show first."),
                                       QStringLiteral("name")};
+    const QCommandLineOption quickSearch_{QStringLiteral("quick-search"),
+                                          QStringLiteral("Show the quick search panel.")};
+    const QCommandLineOption service_{
+        QStringLiteral("service"),
+        QStringLiteral("Show nothing until the session bus asks for it.")};
     const QCommandLineOption help_ = parser_.addHelpOption();
     const QCommandLineOption version_ = parser_.addVersionOption();
 };
@@ -75,6 +83,14 @@ std::string decoderPath() {
 
 /// Builds the real objects, shows the window and runs until it is closed.
 int run(const CommandLine& commandLine, const Launcher& launcher) {
+    DesktopActivation activation(QDBusConnection::sessionBus());
+    // A data directory of its own is a library of its own, and so an instance of its own.
+    if (!commandLine.isDataDirectoryGiven() &&
+        activation.start(commandLine.isQuickSearch()
+                             ? QString::fromLatin1(DesktopActivation::quickSearchAction)
+                             : QString()) == DesktopActivation::Start::HandedOver) {
+        return 0;
+    }
     Runtime runtime(decoderPath());
     WindowFolderPicker folderPicker;
     SystemClipboard clipboard;
@@ -98,11 +114,15 @@ int run(const CommandLine& commandLine, const Launcher& launcher) {
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker);
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral(":/qt/qml"));
+    DesktopIntegration integration(runtime.executor(), model, opener, activation, engine);
     engine.setInitialProperties(
         {{QStringLiteral("dataDirectory"),
-          QFile::decodeName(QByteArray::fromStdString(commandLine.dataDirectory()))}});
+          QFile::decodeName(QByteArray::fromStdString(commandLine.dataDirectory()))},
+         {QStringLiteral("visible"), !commandLine.isQuickSearch() && !commandLine.isService()}});
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
-    return engine.rootObjects().isEmpty() ? 1 : QCoreApplication::exec();
+    if (engine.rootObjects().isEmpty()) return 1;
+    if (commandLine.isQuickSearch()) integration.showQuickSearch();
+    return QCoreApplication::exec();
 }
 
 } // namespace
@@ -119,7 +139,6 @@ int runDesktop(int argc, char** argv) {
         QGuiApplication application(argc, argv);
         commandLine.read(application);
         QGuiApplication::setDesktopFileName(QStringLiteral("app.ardeno.Tovi"));
-        QGuiApplication::setApplicationDisplayName(QStringLiteral("Tovi"));
         QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/qt/qml/Tovi/icons/tovi.svg")));
         return run(commandLine, launcher);
     } catch (const std::exception& error) {

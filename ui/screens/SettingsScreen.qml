@@ -113,6 +113,8 @@ FocusScope {
                 }
             }
 
+            ShortcutSettings { Layout.fillWidth: true }
+
             SettingsGroup {
                 Layout.fillWidth: true
                 title: qsTr("Appearance")

@@ -1,0 +1,50 @@
+#include "ui/desktop/DesktopActivation.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <utility>
+
+namespace tovi {
+namespace {
+
+const QString busName = QStringLiteral("app.ardeno.Tovi");
+const QString objectPath = QStringLiteral("/app/ardeno/Tovi");
+const QString interfaceName = QStringLiteral("org.freedesktop.Application");
+
+} // namespace
+
+DesktopActivation::DesktopActivation(QDBusConnection bus) : bus_(std::move(bus)) {
+    new DesktopApplicationAdaptor(*this);
+}
+
+DesktopActivation::Start DesktopActivation::start(const QString& action) {
+    if (!bus_.isConnected()) return Start::Alone;
+    // The object before the name, so that no call finds the name without it.
+    bus_.registerObject(objectPath, this);
+    if (bus_.registerService(busName)) return Start::First;
+    bus_.unregisterObject(objectPath);
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        busName, objectPath, interfaceName,
+        action.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("ActivateAction"));
+    if (!action.isEmpty()) call << action << QVariantList();
+    call << QVariantMap();
+    const QDBusMessage answer = bus_.call(call);
+    return answer.type() == QDBusMessage::ReplyMessage ? Start::HandedOver : Start::Alone;
+}
+
+void DesktopApplicationAdaptor::Activate(const QVariantMap&) {
+    Q_EMIT activation_.activated();
+}
+
+void DesktopApplicationAdaptor::Open(const QStringList&, const QVariantMap&) {
+    Q_EMIT activation_.activated();
+}
+
+void DesktopApplicationAdaptor::ActivateAction(const QString& name, const QVariantList&,
+                                               const QVariantMap&) {
+    if (name == QLatin1String(DesktopActivation::quickSearchAction)) {
+        Q_EMIT activation_.quickSearchRequested();
+    }
+}
+
+} // namespace tovi
