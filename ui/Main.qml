@@ -9,6 +9,7 @@ ApplicationWindow {
     id: window
 
     required property string dataDirectory
+    required property string homeDirectory
 
     readonly property var sections: [
         { id: "overview", text: qsTr("Overview"), symbol: "square.grid.2x2", screen: "screens/OverviewScreen.qml" },
@@ -51,8 +52,28 @@ ApplicationWindow {
     visible: true
     title: qsTr("Tovi — %1").arg(current.text)
     color: Theme.background
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
+    palette {
+        window: Theme.raised
+        windowText: Theme.text
+        base: Theme.raised
+        text: Theme.text
+        button: Theme.raised
+        buttonText: Theme.text
+        light: Theme.selected
+        midlight: Theme.selected
+        mid: Theme.outline
+        dark: Theme.border
+        highlight: Theme.accent
+        highlightedText: Theme.accentInk
+        toolTipBase: Theme.raised
+        toolTipText: Theme.text
+        placeholderText: Theme.secondaryText
+    }
 
     Binding { target: Theme; property: "choice"; value: App.settings.themeChoice }
+    Binding { target: Format; property: "home"; value: window.homeDirectory }
     Binding { target: Theme; property: "appearance"; value: App.settings.appearance }
 
     Component.onCompleted: {
@@ -197,6 +218,7 @@ ApplicationWindow {
 
     FolderDialog {
         id: folderDialog
+        objectName: "folder-dialog"
         onAccepted: FolderDialogs.finish(selectedFolder)
         onRejected: FolderDialogs.finish("")
     }
@@ -216,16 +238,17 @@ ApplicationWindow {
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
     Shortcut {
-        sequence: StandardKey.Find
+        sequences: [StandardKey.Find]
         onActivated: {
             window.show("search")
             content.item.begin()
         }
     }
     Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
+    Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }
     Shortcut { sequence: "F6"; onActivated: rows.itemAt(0).activeFocus ? content.forceActiveFocus() : rows.itemAt(0).forceActiveFocus(Qt.TabFocusReason) }
-    Shortcut { sequence: StandardKey.Quit; onActivated: window.close() }
+    Shortcut { sequences: [StandardKey.Quit]; onActivated: window.close() }
 }

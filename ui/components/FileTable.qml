@@ -132,8 +132,6 @@ FocusScope {
                     event.modifiers & Qt.ControlModifier ? App.reveal(table.currentPath)
                                                          : App.open(table.currentPath)
                 return
-            case Qt.Key_Space:
-                return table.choose(currentIndex, event.modifiers)
             case Qt.Key_F2:
                 if (table.currentPath)
                     table.renameRequested(table.currentPath)
@@ -176,6 +174,7 @@ FocusScope {
             height: Theme.rowHeight
             padding: 0
             focusPolicy: Qt.NoFocus
+            Keys.onSpacePressed: event => table.choose(row.index, event.modifiers)
             Accessible.role: Accessible.ListItem
             Accessible.name: name
             Accessible.description: qsTr("%1, %2, %3, row %4 of %5").arg(kindTitle)
@@ -217,7 +216,7 @@ FocusScope {
                     AppText {
                         visible: table.showsFolder
                         Layout.preferredWidth: 200
-                        text: row.folder
+                        text: Format.path(row.folder)
                         elide: Text.ElideMiddle
                         isSecondary: true
                     }

@@ -87,7 +87,7 @@ FocusScope {
                             AppText {
                                 required property var modelData
                                 Layout.fillWidth: true
-                                text: modelData.originalPath
+                                text: Format.path(modelData.originalPath)
                                 elide: Text.ElideMiddle
                                 isSecondary: true
                                 font.pixelSize: Theme.caption

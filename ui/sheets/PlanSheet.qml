@@ -63,7 +63,7 @@ Sheet {
                     spacing: 0
                     AppText {
                         Layout.fillWidth: true
-                        text: modelData.sourcePath
+                        text: Format.path(modelData.sourcePath)
                         elide: Text.ElideMiddle
                     }
                     AppText {

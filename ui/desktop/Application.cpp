@@ -1,0 +1,47 @@
+#include "ui/desktop/Application.h"
+
+#include "app/monitor/FolderMonitor.h"
+
+#include <QDir>
+#include <QFile>
+#include <QQuickStyle>
+#include <QQuickWindow>
+
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(ToviPlugin)
+
+namespace tovi {
+
+Application::Application(const Options& options, FileOpener& opener)
+    : runtime_(options.decoderProgram),
+      model_({.executor = runtime_.executor(),
+              .indexer = runtime_.indexer(),
+              .actions = runtime_.actions(),
+              .folderPicker = folderPicker_,
+              .clipboard = clipboard_,
+              .opener = opener,
+              .makeMonitor =
+                  [this](std::function<void()> changed) {
+                      return monitorSystemFolders(runtime_.executor(), {std::move(changed), {}});
+                  }},
+             {.dataDirectory = options.dataDirectory,
+              .isDataDirectoryGiven = options.isDataDirectoryGiven}) {
+    if (!options.section.isEmpty()) model_.setSection(options.section);
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model_);
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker_);
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    engine_.addImportPath(QStringLiteral(":/qt/qml"));
+    engine_.setInitialProperties(
+        {{QStringLiteral("dataDirectory"),
+          QFile::decodeName(QByteArray::fromStdString(options.dataDirectory))},
+         {QStringLiteral("homeDirectory"), QDir::homePath()}});
+    engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
+}
+
+QQuickWindow* Application::window() const {
+    const QList<QObject*> roots = engine_.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
+}
+
+} // namespace tovi
