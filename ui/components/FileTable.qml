@@ -11,6 +11,10 @@ FocusScope {
 
     required property var files
     property bool hasMore: false
+    /// The role by which rows stand together under a heading that stays in sight; its words are
+    /// made by `sectionTitle`.
+    property string sectionRole: ""
+    property var sectionTitle: section => section
     readonly property string currentPath: list.currentIndex < 0 ? "" : pathAt(list.currentIndex)
 
     signal moreWanted
@@ -110,6 +114,23 @@ FocusScope {
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
         currentIndex: -1
+        section.property: table.sectionRole
+        section.labelPositioning: ViewSection.InlineLabels | ViewSection.CurrentLabelAtStart
+        section.delegate: Rectangle {
+            required property string section
+            width: ListView.view.width
+            height: Theme.rowHeight
+            color: Theme.surface
+            AppText {
+                anchors.fill: parent
+                anchors.leftMargin: 12
+                text: table.sectionTitle(parent.section)
+                verticalAlignment: Text.AlignVCenter
+                color: Theme.accentText
+                isStrong: true
+                Accessible.role: Accessible.Heading
+            }
+        }
         ScrollBar.vertical: ScrollBar {}
         onAtYEndChanged: if (atYEnd && table.hasMore && count > 0) table.moreWanted()
         onActiveFocusChanged: if (activeFocus && currentIndex < 0 && count > 0) currentIndex = 0

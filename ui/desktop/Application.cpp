@@ -1,6 +1,7 @@
 #include "ui/desktop/Application.h"
 
 #include "app/monitor/FolderMonitor.h"
+#include "ui/desktop/PreviewImages.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,6 +32,8 @@ Application::Application(const Options& options, FileOpener& opener)
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker_);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    engine_.addImageProvider(QStringLiteral("preview"),
+                             new PreviewImages(runtime_.decoders(), runtime_.availability()));
     engine_.addImportPath(QStringLiteral(":/qt/qml"));
     engine_.setInitialProperties(
         {{QStringLiteral("dataDirectory"),

@@ -3,6 +3,7 @@
 #include "app/model/AppModel.h"
 #include "app/runtime/Runtime.h"
 #include "ui/desktop/DesktopPorts.h"
+#include "ui/desktop/ScreenModels.h"
 
 #include <QQmlApplicationEngine>
 
@@ -32,6 +33,7 @@ class Application {
     WindowFolderPicker folderPicker_;
     SystemClipboard clipboard_;
     AppModel model_;
+    ScreenModels screens_{model_, runtime_};
     QQmlApplicationEngine engine_;
 };
 
