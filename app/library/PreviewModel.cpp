@@ -5,6 +5,8 @@
 #include "core/library/EvidenceSearch.h"
 #include "core/search/QueryParser.h"
 
+#include <QRegularExpression>
+
 namespace tovi {
 namespace {
 
@@ -13,6 +15,13 @@ QStringList toQt(const std::vector<std::string>& words) {
     for (const std::string& word : words)
         list.append(tovi::toQt(word));
     return list;
+}
+
+/// The lines of a PDF are as long as its page is wide, which is no line of the preview's.
+QString readable(const FileRecord& file) {
+    static const QRegularExpression lineEnd(QStringLiteral("(?<!\\n)\\n(?!\\n)"));
+    QString text = tovi::toQt(file.content).trimmed();
+    return file.kind == FileKind::pdf ? text.replace(lineEnd, QStringLiteral(" ")) : text;
 }
 
 } // namespace
@@ -35,8 +44,8 @@ void PreviewModel::show(const QString& path, const QString& phrase) {
             const auto file = index->record(path);
             if (!file) return QString();
             const std::string text = QueryParser().parse(phrase, Date::now()).text;
-            return markedExcerpt(tovi::toQt(file->content).trimmed(),
-                                 toQt(EvidenceRetriever::words(text)), longestExcerpt);
+            return markedExcerpt(readable(*file), toQt(EvidenceRetriever::words(text)),
+                                 longestExcerpt);
         },
         [this](const Outcome<QString>& outcome) {
             isLoading_ = false;

@@ -16,7 +16,7 @@ class PreviewModel : public QObject {
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
 
   public:
-    static constexpr qsizetype longestExcerpt = 3'000; // UTF-16 units
+    static constexpr qsizetype longestExcerpt = 1'500; // UTF-16 units
 
     explicit PreviewModel(Executor& executor) : executor_(executor) {}
 

@@ -6,7 +6,8 @@
 namespace tovi {
 namespace {
 
-constexpr qsizetype before = 160; // of the first word
+constexpr qsizetype before = 160; // the first word
+constexpr qsizetype longestWord = 24;
 
 /// Matches nothing without words.
 QRegularExpression patternOf(const QStringList& words) {
@@ -20,6 +21,15 @@ QRegularExpression patternOf(const QStringList& words) {
                                   QRegularExpression::UseUnicodePropertiesOption);
 }
 
+/// The start of the next word, if it is near; else of the next character.
+qsizetype nextWord(const QString& text, qsizetype at) {
+    const qsizetype end = std::min(text.size(), at + longestWord);
+    const auto space = std::find_if(text.begin() + at, text.begin() + end,
+                                    [](QChar letter) { return letter.isSpace(); });
+    if (space != text.begin() + end) return space - text.begin() + 1;
+    return text[at].isLowSurrogate() ? at + 1 : at;
+}
+
 QString escaped(QStringView part) {
     return part.toString().toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
 }
@@ -29,7 +39,7 @@ QString escaped(QStringView part) {
 QString markedExcerpt(const QString& text, const QStringList& words, qsizetype limit) {
     const QRegularExpression pattern = patternOf(words);
     qsizetype begin = std::max<qsizetype>(0, pattern.match(text).capturedStart() - before);
-    if (begin > 0 && text[begin].isLowSurrogate()) --begin;
+    if (begin > 0) begin = nextWord(text, begin);
     qsizetype end = std::min(text.size(), begin + limit);
     if (end < text.size() && end > begin && text[end].isLowSurrogate()) --end;
     const QString shown = text.mid(begin, end - begin);

@@ -29,7 +29,7 @@ void place(std::vector<GraphNode>& nodes, const std::vector<std::size_t>& chosen
         const double turn = static_cast<double>(at) / static_cast<double>(count);
         const double angle = 2 * std::numbers::pi * turn - std::numbers::pi / 2;
         const double share =
-            rings == 1 ? 0.5 : static_cast<double>(at % rings) / static_cast<double>(rings - 1);
+            rings == 1 ? 0.8 : static_cast<double>(at % rings) / static_cast<double>(rings - 1);
         const double radius = inner + share * (outer - inner);
         nodes[chosen[at]].x = radius * std::cos(angle);
         nodes[chosen[at]].y = radius * std::sin(angle);
@@ -64,7 +64,7 @@ std::optional<std::vector<GraphNode>> connectionGraph(
     auto center = index.records({path}, stop);
     if (center.empty()) return std::nullopt;
     std::vector<GraphNode> nodes;
-    nodes.push_back({.file = std::move(center.front())});
+    nodes.emplace_back().file = std::move(center.front());
     std::set<std::string> known{path};
     const auto addTied = [&](std::size_t parent, std::size_t most) {
         auto tied = connections(index, nodes[parent].file.path, projects, duplicates, stop);
@@ -72,10 +72,11 @@ std::optional<std::vector<GraphNode>> connectionGraph(
         for (ConnectedFile& file : *tied) {
             if (most == 0 || nodes.size() == mostGraphNodes) return;
             if (!known.insert(file.file.path).second) continue;
-            nodes.push_back({.file = std::move(file.file),
-                             .parent = parent,
-                             .depth = nodes[parent].depth + 1,
-                             .ties = std::move(file.ties)});
+            GraphNode& node = nodes.emplace_back();
+            node.file = std::move(file.file);
+            node.parent = parent;
+            node.depth = nodes[parent].depth + 1;
+            node.ties = std::move(file.ties);
             --most;
         }
     };

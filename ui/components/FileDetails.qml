@@ -76,46 +76,60 @@ Card {
                     onClicked: App.reveal(details.path)
                 }
             }
-            Repeater {
-                model: [
-                    { label: qsTr("Kind"), text: details.value("kindTitle") },
-                    { label: qsTr("Size"), text: Format.size(details.value("size") || 0) },
-                    { label: qsTr("Modified"), text: Format.dateTime(details.value("modifiedAt")) },
-                    { label: qsTr("Downloaded"), text: Format.dateTime(details.value("downloadedAt")) },
-                    { label: qsTr("From"), text: details.value("sourceURL") },
-                    { label: qsTr("Content"), text: details.value("contentStatus") },
-                    { label: qsTr("Where"), text: Format.path(details.value("folder") || "") }
-                ]
+            // What was searched for comes first.
+            GridLayout {
+                Layout.fillWidth: true
+                columns: 1
+                rowSpacing: 12
                 ColumnLayout {
-                    required property var modelData
+                    Layout.row: details.phrase === "" ? 0 : 1
                     Layout.fillWidth: true
-                    visible: !!modelData.text
+                    spacing: 12
+                    Repeater {
+                        model: [
+                            { label: qsTr("Kind"), text: details.value("kindTitle") },
+                            { label: qsTr("Size"), text: Format.size(details.value("size") || 0) },
+                            { label: qsTr("Modified"), text: Format.dateTime(details.value("modifiedAt")) },
+                            { label: qsTr("Downloaded"), text: Format.dateTime(details.value("downloadedAt")) },
+                            { label: qsTr("From"), text: details.value("sourceURL") },
+                            { label: qsTr("Content"), text: details.value("contentStatus") },
+                            { label: qsTr("Where"), text: Format.path(details.value("folder") || "") }
+                        ]
+                        ColumnLayout {
+                            required property var modelData
+                            Layout.fillWidth: true
+                            visible: !!modelData.text
+                            spacing: 0
+                            AppText {
+                                text: modelData.label
+                                isSecondary: true
+                                font.pixelSize: Theme.caption
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                text: modelData.text || ""
+                                wrapMode: Text.WrapAnywhere
+                            }
+                        }
+                    }
+                }
+                ColumnLayout {
+                    Layout.row: details.phrase === "" ? 1 : 0
+                    Layout.fillWidth: true
+                    visible: excerpt.excerpt !== ""
                     spacing: 0
                     AppText {
-                        text: modelData.label
+                        text: qsTr("Text")
                         isSecondary: true
                         font.pixelSize: Theme.caption
                     }
-                    AppText {
+                    MarkedText {
+                        id: excerpt
                         Layout.fillWidth: true
-                        text: modelData.text || ""
-                        wrapMode: Text.WrapAnywhere
+                        excerpt: Preview.path === details.path ? Preview.excerpt : ""
+                        isSecondary: true
                     }
                 }
-            }
-            AppText {
-                visible: excerpt.visible
-                text: qsTr("Text")
-                isSecondary: true
-                font.pixelSize: Theme.caption
-            }
-            MarkedText {
-                id: excerpt
-                Layout.fillWidth: true
-                Layout.topMargin: -10
-                visible: excerpt.excerpt !== ""
-                excerpt: Preview.path === details.path ? Preview.excerpt : ""
-                isSecondary: true
             }
         }
     }

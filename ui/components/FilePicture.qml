@@ -14,8 +14,10 @@ Item {
     property int side: 512
     property alias fillMode: image.fillMode
     readonly property bool isDrawable: kind === "image" || kind === "pdf"
-    readonly property bool isShown: image.status === Image.Ready
-    readonly property bool hasFailed: isDrawable && image.status === Image.Error
+    readonly property bool isLoaded: image.status === Image.Ready
+    // What has no picture is given as a single pixel.
+    readonly property bool isShown: isLoaded && image.implicitWidth > 1
+    readonly property bool hasFailed: isLoaded && !isShown
 
     Image {
         id: image

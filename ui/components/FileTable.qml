@@ -11,6 +11,8 @@ FocusScope {
 
     required property var files
     property bool hasMore: false
+    /// Whether the date shown is the one of the download, where it is known.
+    property bool showsDownloadDate: false
     /// The role by which rows stand together under a heading that stays in sight; its words are
     /// made by `sectionTitle`.
     property string sectionRole: ""
@@ -79,7 +81,7 @@ FocusScope {
                 { title: qsTr("Name"), width: -1, isShown: true },
                 { title: qsTr("Folder"), width: 200, isShown: table.showsFolder },
                 { title: qsTr("Kind"), width: 90, isShown: table.showsKind },
-                { title: qsTr("Modified"), width: 96, isShown: true },
+                { title: table.showsDownloadDate ? qsTr("Downloaded") : qsTr("Modified"), width: 96, isShown: true },
                 { title: qsTr("Size"), width: 76, isShown: true }
             ]
             AppText {
@@ -187,7 +189,9 @@ FocusScope {
             required property string symbol
             required property var size
             required property var modifiedAt
+            required property var downloadedAt
 
+            readonly property var date: table.showsDownloadDate && downloadedAt ? downloadedAt : modifiedAt
             readonly property bool isChosen: table.isChosen(path)
             readonly property bool isCurrent: ListView.isCurrentItem
 
@@ -199,7 +203,7 @@ FocusScope {
             Accessible.role: Accessible.ListItem
             Accessible.name: name
             Accessible.description: qsTr("%1, %2, %3, row %4 of %5").arg(kindTitle)
-                .arg(Format.size(size)).arg(Format.date(modifiedAt)).arg(index + 1).arg(list.count)
+                .arg(Format.size(size)).arg(Format.date(date)).arg(index + 1).arg(list.count)
             Accessible.selected: isChosen
 
             background: Rectangle {
@@ -249,7 +253,7 @@ FocusScope {
                     }
                     AppText {
                         Layout.preferredWidth: 96
-                        text: Format.date(row.modifiedAt)
+                        text: Format.date(row.date)
                         isSecondary: true
                     }
                     AppText {

@@ -13,8 +13,8 @@ AbstractButton {
 
     readonly property string measures: qsTr("%1 × %2").arg(photo.width).arg(photo.height)
 
-    implicitWidth: 188
-    implicitHeight: 246
+    implicitWidth: 208
+    implicitHeight: 272
     padding: 10
     Accessible.role: Accessible.CheckBox
     Accessible.name: photo.name
@@ -50,20 +50,21 @@ AbstractButton {
             isStrong: true
             Accessible.ignored: true
         }
-        AppText {
-            Layout.fillWidth: true
-            text: tile.measures + "  ·  " + Format.size(tile.photo.size)
-            font.pixelSize: Theme.caption
-            isSecondary: true
-            Accessible.ignored: true
-        }
-        AppText {
-            Layout.fillWidth: true
-            text: Format.date(tile.photo.modifiedAt) + "  ·  " + Format.path(tile.photo.folder)
-            elide: Text.ElideMiddle
-            font.pixelSize: Theme.caption
-            isSecondary: true
-            Accessible.ignored: true
+        Repeater {
+            model: [
+                tile.measures + "  ·  " + Format.size(tile.photo.size),
+                Format.dateTime(tile.photo.modifiedAt),
+                Format.path(tile.photo.folder)
+            ]
+            AppText {
+                required property string modelData
+                Layout.fillWidth: true
+                text: modelData
+                elide: Text.ElideMiddle
+                font.pixelSize: Theme.caption
+                isSecondary: true
+                Accessible.ignored: true
+            }
         }
     }
     Chip {

@@ -19,14 +19,16 @@ class Response final : public QQuickImageResponse {
     QQuickTextureFactory* textureFactory() const override {
         return QQuickTextureFactory::textureFactoryForImage(image_);
     }
-    QString errorString() const override {
-        return image_.isNull() ? QStringLiteral("There is no picture of this file.") : QString();
-    }
     void cancel() override { stop_.request_stop(); }
 
     std::stop_token token() const { return stop_.get_token(); }
+    /// Of a null image a single empty pixel is made, since an error would be a warning of QML.
     void finish(QImage image) {
         image_ = std::move(image);
+        if (image_.isNull()) {
+            image_ = QImage(1, 1, QImage::Format_ARGB32_Premultiplied);
+            image_.fill(Qt::transparent);
+        }
         Q_EMIT finished();
     }
 
@@ -35,8 +37,13 @@ class Response final : public QQuickImageResponse {
     std::stop_source stop_;
 };
 
+/// A page whose fonts are not at hand is drawn empty.
+bool isBlank(const DecodedPicture& picture) {
+    return picture.pixels.find_first_not_of('\xff') == std::string::npos;
+}
+
 QImage toImage(Thumbnail made) {
-    if (!made) return {};
+    if (!made || isBlank(*made)) return {};
     const auto* kept = new Thumbnail(std::move(made));
     const DecodedPicture& picture = **kept;
     return QImage(

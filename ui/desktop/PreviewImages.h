@@ -9,7 +9,7 @@
 namespace tovi {
 
 /// Gives QML the pictures of files: "image://preview/PATH?VERSION", the path percent-encoded and
-/// the version anything that changes with the file. What has no picture is an error of the image.
+/// the version anything that changes with the file. What has no picture is one transparent pixel.
 class PreviewImages final : public QQuickAsyncImageProvider {
   public:
     /// What is given outlives the provider.

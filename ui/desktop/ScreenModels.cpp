@@ -97,6 +97,7 @@ void ScreenModels::followIndex() {
     timeline_.setIndex(reader);
     graph_.setIndex(reader);
     preview_.setIndex(reader);
+    Q_EMIT indexChanged();
 }
 
 void ScreenModels::findLookAlikes(const QString& folder) {

@@ -24,6 +24,11 @@ class ScreenModels : public QObject {
     /// again after files were moved.
     Q_INVOKABLE void findLookAlikes(const QString& folder);
 
+  Q_SIGNALS:
+    /// The models read another index, or none. Comes after `AppModel::loaded`, which QML hears
+    /// before they do.
+    void indexChanged();
+
   private:
     void followIndex();
 

@@ -17,7 +17,10 @@ FocusScope {
     Connections {
         target: App
         function onLibraryFilesChanged() { Downloads.refresh() }
-        function onLoaded() { Downloads.refresh() }
+    }
+    Connections {
+        target: Screens
+        function onIndexChanged() { Downloads.refresh() }
     }
 
     ColumnLayout {
@@ -30,12 +33,11 @@ FocusScope {
             title: screen.title
             subtitle: qsTr("Your downloads, together.")
             InputField {
-                visible: groups.count > 0
+                visible: groups.count > 0 && !screen.isLatest
                 Layout.preferredWidth: 240
                 label: qsTr("Filter by name")
                 placeholderText: label
                 symbol: "magnifyingglass"
-                enabled: !screen.isLatest
                 text: Downloads.nameFilter
                 onTextEdited: Downloads.nameFilter = text
                 Keys.onDownPressed: table.forceActiveFocus()
@@ -132,6 +134,7 @@ FocusScope {
                     anchors.topMargin: 44
                     focus: true
                     files: screen.shown
+                    showsDownloadDate: true
                     hasMore: !screen.isLatest && Downloads.hasMoreFiles
                     onMoreWanted: Downloads.loadMoreFiles()
                     onRenameRequested: path => renameSheet.ask(path)

@@ -36,7 +36,10 @@ FocusScope {
     Connections {
         target: App
         function onLibraryFilesChanged() { Graph.refresh() }
-        function onLoaded() { screen.begin() }
+    }
+    Connections {
+        target: Screens
+        function onIndexChanged() { screen.begin() }
     }
     Connections {
         target: Graph

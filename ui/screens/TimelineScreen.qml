@@ -20,7 +20,10 @@ FocusScope {
     Connections {
         target: App
         function onLibraryFilesChanged() { Timeline.refresh() }
-        function onLoaded() { Timeline.refresh() }
+    }
+    Connections {
+        target: Screens
+        function onIndexChanged() { Timeline.refresh() }
     }
 
     function jump(text) {
@@ -54,6 +57,7 @@ FocusScope {
             }
             InputField {
                 id: field
+                visible: periods.count > 0
                 Layout.preferredWidth: 210
                 label: qsTr("Jump to date")
                 placeholderText: Qt.formatDate(new Date(), "yyyy-MM-dd")
@@ -65,6 +69,7 @@ FocusScope {
         }
         RowLayout {
             Layout.fillWidth: true
+            visible: periods.count > 0
             SettingsChoice {
                 Layout.fillWidth: true
                 label: qsTr("Group by")

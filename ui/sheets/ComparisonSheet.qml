@@ -128,6 +128,7 @@ Sheet {
             }
             RowLayout {
                 anchors.fill: parent
+                anchors.margins: 4
                 spacing: 12
                 Repeater {
                     model: sheet.photos.length > 1 ? [sheet.keeper, sheet.other] : []

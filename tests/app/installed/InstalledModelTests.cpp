@@ -30,7 +30,7 @@ TEST(InstalledModel, ListsLanguagesAndSaysHowTheDecoderIsConfined) {
                     (model.languages()->value(row, toQt("isUsed")).toBool() ? u'+' : u'-'));
     }
     EXPECT_EQ(told.join(u' '),
-              toQt("a+ b+ Chinese (chi_sim)+ c+ d+ German+ English+ Direction of a page+ zzz-"));
+              toQt("a+ b+ c+ Chinese (chi_sim)+ d+ German+ English+ Direction of a page+ zzz-"));
     EXPECT_TRUE(model.isConfined());
     EXPECT_EQ(model.confinement(), QStringList{toQt("It sees one file.")});
 

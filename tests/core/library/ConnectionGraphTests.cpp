@@ -26,10 +26,11 @@ TEST(ConnectionGraph, GoesTwoStepsAndHoldsEachFileOnceInItsCircle) {
     EXPECT_EQ(connectionGraph(index, "/r/none", 1, projects, {}), std::nullopt);
 
     const auto names = [&](int depth) {
-        std::vector<std::string> names;
-        for (const GraphNode& node : *connectionGraph(index, "/r/a/1", depth, projects, {}))
-            names.push_back(std::to_string(node.parent) + " " + node.file.name);
-        return names;
+        std::vector<std::string> found;
+        const auto nodes = *connectionGraph(index, "/r/a/1", depth, projects, {});
+        for (const GraphNode& node : nodes)
+            found.push_back(std::to_string(node.parent) + " " + node.file.name);
+        return found;
     };
     EXPECT_THAT(names(1), testing::ElementsAre("0 1", "0 2"));
     EXPECT_THAT(names(2), testing::ElementsAre("0 1", "0 2", "1 3"));
