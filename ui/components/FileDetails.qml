@@ -108,7 +108,7 @@ Card {
                             AppText {
                                 Layout.fillWidth: true
                                 text: modelData.text || ""
-                                wrapMode: Text.WrapAnywhere
+                                wrapMode: Text.Wrap
                             }
                         }
                     }
