@@ -78,10 +78,14 @@ std::string fileUri(const std::string& path) {
     return uri;
 }
 
+std::string sharedThumbnailName(const std::string& uri) {
+    return md5(uri) + ".png";
+}
+
 FileDescriptor openSharedThumbnail(const std::string& folder, const std::string& path,
                                    std::int64_t modified, int pixels) {
     const std::string uri = fileUri(path);
-    const std::string name = md5(uri) + ".png";
+    const std::string name = sharedThumbnailName(uri);
     for (const auto& [size, sizeFolder] : sizes) {
         if (size < pixels) continue;
         const std::string thumbnail = folder + "/" + sizeFolder + "/" + name;
