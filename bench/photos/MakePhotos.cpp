@@ -1,6 +1,7 @@
 // make-photos FOLDER SCENES: writes a labelled set of photos, SCENES drawn scenes and a quarter as
-// many typeset pages of one style, each with its edits. The name of a file is the number of what it
-// shows, a hyphen and the edit. FOLDER.jpg is another photo, of 12 megapixels.
+// many typeset pages of one style, each with its edits. A file is called photo or page, the number
+// of what it shows, and the edit, with hyphens between. FOLDER.jpg is another photo, of 12
+// megapixels.
 #include "bench/photos/Scene.h"
 
 #include <cmath>
@@ -103,11 +104,11 @@ const std::vector<Edit>& edits() {
     return all;
 }
 
-void write(const std::string& folder, unsigned number, const VImage& photo) {
+void write(const std::string& folder, const std::string& shown, const VImage& photo) {
     for (const Edit& edit : edits()) {
         edit.change(photo)
             .cast(VIPS_FORMAT_UCHAR)
-            .jpegsave(fmt::format("{}/{:04}-{}.jpg", folder, number, edit.name).c_str(),
+            .jpegsave(fmt::format("{}/{}-{}.jpg", folder, shown, edit.name).c_str(),
                       VImage::option()->set("Q", edit.quality));
     }
 }
@@ -119,13 +120,13 @@ int main(int argc, char** argv) {
     try {
         const auto scenes = static_cast<unsigned>(std::stoul(argv[2]));
         for (unsigned number = 0; number < scenes; ++number)
-            write(argv[1], number, photoOf(number));
+            write(argv[1], fmt::format("photo-{:04}", number), photoOf(number));
         const VImage large = photoOf(scenes).resize(3.125);
         (large + (VImage::gaussnoise(large.width(), large.height()) - 128) * 0.2)
             .cast(VIPS_FORMAT_UCHAR)
             .jpegsave(fmt::format("{}.jpg", argv[1]).c_str(), VImage::option()->set("Q", 90));
         for (unsigned page = 0; page < scenes / 4; ++page)
-            write(argv[1], scenes + page, pageOf(page));
+            write(argv[1], fmt::format("page-{:04}", page), pageOf(page));
     } catch (const std::exception& error) {
         fmt::print(stderr, "{}\n", error.what());
         return 1;

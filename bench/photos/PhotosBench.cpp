@@ -54,11 +54,28 @@ std::string nameOf(const FileRecord& photo) {
     return fs::path(photo.path).stem().string();
 }
 std::string shownIn(const FileRecord& photo) {
-    return nameOf(photo).substr(0, nameOf(photo).find('-'));
+    return nameOf(photo).substr(0, nameOf(photo).rfind('-'));
 }
 std::string editOf(const FileRecord& photo) {
-    return nameOf(photo).substr(nameOf(photo).find('-') + 1);
+    return nameOf(photo).substr(nameOf(photo).rfind('-') + 1);
 }
+bool isPage(const FileRecord& photo) {
+    return nameOf(photo).starts_with("page");
+}
+
+struct Counts {
+    int pairs = 0;
+    int same = 0;
+    int found = 0;
+    int right = 0;
+
+    void add(bool isFound, bool isSame) {
+        ++pairs;
+        same += isSame;
+        found += isFound;
+        right += isFound && isSame;
+    }
+};
 
 class Bench {
   public:
@@ -108,35 +125,32 @@ class Bench {
         fmt::print(stderr, "the same again: {:.3f} s\n", again.wall());
     }
 
-    /// Of every two photos alone, and by the edit for those of one original.
+    /// Judges every two photos alone, and counts by the edit for an original with one of its edits.
     void judgePairs() {
         decoder::DecoderPool decoders({.program = program_});
-        std::map<std::string, std::pair<int, int>> byEdit; // found, of
-        int found = 0;
-        int right = 0;
-        int pairs = 0;
+        std::map<std::string, Counts> all; // of pairs of photos and of pairs with a page
+        std::map<std::string, Counts> byEdit;
         for (std::size_t i = 0; i < photos_.size(); ++i) {
             for (std::size_t j = i + 1; j < photos_.size(); ++j) {
-                const std::vector<FileRecord> both = {photos_[i], photos_[j]};
-                const bool isFound = !scan(both, folder_, decoders).groups.empty();
-                const bool isSame = shownIn(both[0]) == shownIn(both[1]);
-                found += isFound;
-                right += isFound && isSame;
-                pairs += isSame;
-                for (const auto& [one, other] : {std::pair(0, 1), std::pair(1, 0)}) {
-                    if (!isSame || editOf(both[static_cast<std::size_t>(one)]) != "original")
-                        continue;
-                    auto& [hits, of] = byEdit[editOf(both[static_cast<std::size_t>(other)])];
-                    hits += isFound;
-                    ++of;
-                }
+                const FileRecord& one = photos_[i];
+                const FileRecord& other = photos_[j];
+                const bool isFound = !scan({one, other}, folder_, decoders).groups.empty();
+                const bool isSame = shownIn(one) == shownIn(other);
+                const std::string kind = isPage(one) || isPage(other) ? "pages" : "photos";
+                all[kind].add(isFound, isSame);
+                if (isSame && editOf(one) == "original")
+                    byEdit[kind + " " + editOf(other)].add(isFound, isSame);
+                if (isSame && editOf(other) == "original")
+                    byEdit[kind + " " + editOf(one)].add(isFound, isSame);
             }
         }
-        fmt::print(stderr, "pairs: recall {:.4f} of {}, precision {:.4f}, {} false\n",
-                   static_cast<double>(right) / pairs, pairs, static_cast<double>(right) / found,
-                   found - right);
+        for (const auto& [kind, counts] : all)
+            fmt::print(stderr, "{}: recall {:.4f} of {} pairs, precision {:.4f}, {} false of {}\n",
+                       kind, static_cast<double>(counts.right) / counts.same, counts.same,
+                       static_cast<double>(counts.right) / counts.found,
+                       counts.found - counts.right, counts.pairs - counts.same);
         for (const auto& [edit, counts] : byEdit)
-            fmt::print(stderr, "  {}: {} of {}\n", edit, counts.first, counts.second);
+            fmt::print(stderr, "  {}: {} of {}\n", edit, counts.found, counts.same);
     }
 
     /// What comparing 5,000 photos takes that were read before: hard links to those of the folder.

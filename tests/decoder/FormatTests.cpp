@@ -258,16 +258,18 @@ TEST_F(PictureTest, ReadsEveryFormatAndColourSpaceAsRgb) {
 }
 
 TEST_F(PictureTest, TurnsUprightAsTheCameraSays) {
-    const Picture picture = load(redAndBlue(".jpg",
-                                            [](VipsImage* image) {
-                                                vips_image_set_int(image, "orientation", 6);
-                                                return image;
-                                            }),
-                                 64);
-    ASSERT_EQ(picture.width, 32);
-    ASSERT_EQ(picture.height, 64);
-    EXPECT_EQ(colourAt(picture, 16, 8), 'R');
-    EXPECT_EQ(colourAt(picture, 16, 56), 'B');
+    const std::string exif = redAndBlue(".jpg", [](VipsImage* image) {
+        vips_image_set_int(image, "orientation", 6);
+        return image;
+    });
+    for (const std::string& bytes : {exif, fixture("turned.avif")}) {
+        const Picture picture = load(bytes, 64);
+        ASSERT_EQ(picture.width, 32);
+        ASSERT_EQ(picture.height, 64);
+        EXPECT_EQ(picture.fullHeight, 64);
+        EXPECT_EQ(colourAt(picture, 16, 8), 'R');
+        EXPECT_EQ(colourAt(picture, 16, 56), 'B');
+    }
 }
 
 TEST_F(PictureTest, RefusesBombsBeforeDecodingThem) {
