@@ -88,7 +88,8 @@ FileDescriptor openSharedThumbnail(const std::string& folder, const std::string&
     const std::string name = sharedThumbnailName(uri);
     for (const auto& [size, sizeFolder] : sizes) {
         if (size < pixels) continue;
-        const std::string thumbnail = folder + "/" + sizeFolder + "/" + name;
+        const std::string thumbnail =
+            std::string(folder).append("/").append(sizeFolder).append("/").append(name);
         FileDescriptor file(
             ::open(thumbnail.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};
