@@ -184,12 +184,20 @@ void AppModel::finishOpening(Opened opened) {
     savedSearches_.restore(preferences);
     context_.isLoaded = true;
     plans_.setService(std::move(opened.actions));
-    monitor_ = system_.makeMonitor([this] { scan_.filesDidChange(); });
+    makeMonitor();
     Q_EMIT loaded();
     prepareLibrary();
     checkFolders();
     requestInitialHomeAccess();
     watchOtherProcesses();
+}
+
+void AppModel::makeMonitor() {
+    try {
+        monitor_ = system_.makeMonitor([this] { scan_.filesDidChange(); });
+    } catch (const std::system_error& error) {
+        notices_.setError("Changes of files cannot be noticed: " + reasonOf(error));
+    }
 }
 
 void AppModel::checkFolders() {

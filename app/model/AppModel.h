@@ -23,7 +23,8 @@ struct AppSystem {
     FolderPicker& folderPicker;
     Clipboard& clipboard;
     FileOpener& opener;
-    /// Makes the monitor of the connected folders, which calls the handler on the main thread.
+    /// Makes the monitor of the connected folders, which calls the handler on the main thread; may
+    /// return none. Throws `std::system_error`.
     std::function<std::unique_ptr<FolderChanges>(std::function<void()> handler)> makeMonitor;
 };
 
@@ -135,6 +136,7 @@ class AppModel : public QObject {
                                     Date now);
     void finishOpening(Opened opened);
     void connectParts();
+    void makeMonitor();
     void checkFolders();
     void filesChanged();
     void accessChanged();

@@ -1,7 +1,7 @@
 #include "app/thumbnails/ThumbnailLoader.h"
 #include "app/thumbnails/ThumbnailMaker.h"
 #include "base/SystemError.h"
-#include "cli/Context.h"
+#include "cli/Commands.h"
 #include "platform/FileAttributes.h"
 #include "platform/StandardLocations.h"
 

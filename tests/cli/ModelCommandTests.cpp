@@ -2,6 +2,7 @@
 #include "tests/support/Program.h"
 #include "tests/support/TemporaryTree.h"
 
+#include <csignal>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -64,6 +65,31 @@ TEST_F(ModelCommandTest, WriteNothingWhileAnotherProcessDoes) {
     }
     json({"folders", "list"});
     json({"search", "words"});
+}
+
+TEST_F(ModelCommandTest, FollowChangesUntilTheyAreToldToStop) {
+    EXPECT_THAT(run({"watch"}).errors, HasSubstr("No folder is connected yet."));
+    tree.write("a.txt", "first");
+    json({"folders", "add", tree.path()});
+    for (const int signal : {SIGTERM, SIGINT}) {
+        test::RunningProgram watch(
+            TOVICTL, {"watch", "--interval", "0", "--json", "--data-dir", data.path("library")});
+        const auto waitForFiles = [&](int count) {
+            for (Json event; event.value("files", -1) != count;) {
+                event = Json::parse(watch.nextLine(), nullptr, false);
+                if (!event.is_object()) return false;
+                if (event["event"] == "freshness") EXPECT_EQ(event["root"], tree.path());
+            }
+            return true;
+        };
+        ASSERT_TRUE(waitForFiles(1));
+        tree.write("made/b.txt", "second");
+        ASSERT_TRUE(waitForFiles(2));
+        EXPECT_EQ(json({"search", "second"})["files"].size(), 1U);
+        std::filesystem::remove_all(tree.path("made"));
+        ASSERT_TRUE(waitForFiles(1));
+        EXPECT_EQ(watch.end(signal), 0);
+    }
 }
 
 } // namespace

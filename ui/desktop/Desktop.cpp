@@ -1,11 +1,9 @@
 #include "ui/desktop/Desktop.h"
 
-#include "app/background/ThreadExecutor.h"
 #include "app/model/AppModel.h"
+#include "app/monitor/FolderMonitor.h"
+#include "app/runtime/Runtime.h"
 #include "base/Text.h"
-#include "core/indexing/ContentExtractor.h"
-#include "core/indexing/FileIndexer.h"
-#include "decoder/client/DecoderPool.h"
 #include "platform/Sandbox.h"
 #include "platform/StandardLocations.h"
 #include "ui/desktop/DesktopPorts.h"
@@ -16,10 +14,8 @@
 #include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <thread>
 
 #include <QtQml/qqmlextensionplugin.h>
 
@@ -79,28 +75,23 @@ std::string decoderPath() {
 
 /// Builds the real objects, shows the window and runs until it is closed.
 int run(const CommandLine& commandLine, const Launcher& launcher) {
-    const platform::SystemAvailability availability;
-    platform::SystemExclusiveMove move;
-    platform::SystemTrash trash(platform::dataHome(), Date::now);
-    platform::SystemBookmarks bookmarks;
-    decoder::DecoderPool decoders({.program = decoderPath()});
-    const ContentExtractor extractor(decoders, decoders);
-    const FileIndexer indexer(availability, extractor,
-                              {.downloadsDirectory = platform::downloadsDirectory(),
-                               .readers = std::max(1U, std::thread::hardware_concurrency())});
+    Runtime runtime(decoderPath());
     WindowFolderPicker folderPicker;
     SystemClipboard clipboard;
     SystemFileOpener opener(launcher);
-    ThreadExecutor executor;
-    AppModel model({.executor = executor,
-                    .indexer = indexer,
-                    .actions = {trash, move, bookmarks, availability, Date::now},
-                    .folderPicker = folderPicker,
-                    .clipboard = clipboard,
-                    .opener = opener,
-                    .makeMonitor = [](auto) { return nullptr; }},
-                   {.dataDirectory = commandLine.dataDirectory(),
-                    .isDataDirectoryGiven = commandLine.isDataDirectoryGiven()});
+    AppModel model(
+        {.executor = runtime.executor(),
+         .indexer = runtime.indexer(),
+         .actions = runtime.actions(),
+         .folderPicker = folderPicker,
+         .clipboard = clipboard,
+         .opener = opener,
+         .makeMonitor =
+             [&runtime](std::function<void()> changed) {
+                 return monitorSystemFolders(runtime.executor(), {std::move(changed), {}});
+             }},
+        {.dataDirectory = commandLine.dataDirectory(),
+         .isDataDirectoryGiven = commandLine.isDataDirectoryGiven()});
     if (!commandLine.section().isEmpty()) model.setSection(commandLine.section());
 
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model);
