@@ -1,7 +1,6 @@
 #include "base/Text.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <memory>
 #include <stdexcept>
 
@@ -21,23 +20,6 @@ bool isAscii(char c) {
     return static_cast<unsigned char>(c) < 0x80;
 }
 
-struct Decoded {
-    UChar32 character; // negative where the bytes are not UTF-8
-    std::size_t length;
-};
-
-Decoded decodeAt(std::string_view text, std::size_t at) {
-    const std::size_t window = std::min<std::size_t>(text.size() - at, 4);
-    UChar32 character = 0;
-    std::int32_t length = 0;
-// The macro narrows its own temporaries.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"
-    U8_NEXT(text.data() + at, length, static_cast<std::int32_t>(window), character);
-#pragma GCC diagnostic pop
-    return {character, static_cast<std::size_t>(length)};
-}
-
 /// Walks the character boundaries of UTF-8 text. One per thread: opening ICU's rules is slow.
 class CharacterIterator {
   public:
@@ -49,11 +31,8 @@ class CharacterIterator {
 
     /// Passes up to `maximum` characters of `text`; returns how many and how many bytes.
     std::pair<std::size_t, std::size_t> advance(std::string_view text, std::size_t maximum) {
-        UErrorCode status = U_ZERO_ERROR;
         UText source = UTEXT_INITIALIZER;
-        utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &status);
-        ubrk_setUText(iterator_.get(), &source, &status);
-        if (U_FAILURE(status)) throw std::runtime_error("ICU cannot read text");
+        open(text, source);
         std::size_t characters = 0;
         std::int32_t bytes = 0;
         while (characters < maximum) {
@@ -66,12 +45,35 @@ class CharacterIterator {
         return {characters, static_cast<std::size_t>(bytes)};
     }
 
+    /// Where the last `maximum` characters of `text` begin, in bytes.
+    std::size_t retreat(std::string_view text, std::size_t maximum) {
+        UText source = UTEXT_INITIALIZER;
+        open(text, source);
+        std::int32_t start = ubrk_last(iterator_.get());
+        for (; maximum > 0 && start > 0; --maximum)
+            start = ubrk_previous(iterator_.get());
+        utext_close(&source);
+        return static_cast<std::size_t>(start);
+    }
+
   private:
+    void open(std::string_view text, UText& source) {
+        UErrorCode status = U_ZERO_ERROR;
+        utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &status);
+        ubrk_setUText(iterator_.get(), &source, &status);
+        if (U_FAILURE(status)) throw std::runtime_error("ICU cannot read text");
+    }
+
     struct Close {
         void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }
     };
     std::unique_ptr<UBreakIterator, Close> iterator_;
 };
+
+CharacterIterator& characterIterator() {
+    thread_local CharacterIterator iterator;
+    return iterator;
+}
 
 /// Characters and bytes of the longest prefix of `text` with at most `maximum` characters.
 ///
@@ -79,7 +81,7 @@ class CharacterIterator {
 /// runs are counted bytewise; only what surrounds other bytes goes through ICU.
 std::pair<std::size_t, std::size_t> measure(std::string_view text, std::size_t maximum) {
     constexpr std::size_t worthwhileRun = 64;
-    thread_local CharacterIterator iterator;
+    CharacterIterator& iterator = characterIterator();
     std::size_t characters = 0;
     std::size_t at = 0;
     while (at < text.size() && characters < maximum) {
@@ -135,6 +137,18 @@ bool isValidUtf8(std::string_view text) {
     return simdjson::validate_utf8(text.data(), text.size());
 }
 
+CodePoint codePointAt(std::string_view text, std::size_t at) {
+    const std::size_t window = std::min<std::size_t>(text.size() - at, 4);
+    UChar32 character = 0;
+    std::int32_t length = 0;
+// The macro narrows its own temporaries.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"
+    U8_NEXT(text.data() + at, length, static_cast<std::int32_t>(window), character);
+#pragma GCC diagnostic pop
+    return {character, static_cast<std::size_t>(length)};
+}
+
 std::size_t countCharacters(std::string_view text) {
     return measure(text, text.size()).first;
 }
@@ -142,6 +156,11 @@ std::size_t countCharacters(std::string_view text) {
 std::string_view firstCharacters(std::string_view text, std::size_t maximum) {
     if (text.size() <= maximum) return text;
     return text.substr(0, measure(text, maximum).second);
+}
+
+std::string_view lastCharacters(std::string_view text, std::size_t maximum) {
+    if (text.size() <= maximum) return text;
+    return text.substr(characterIterator().retreat(text, maximum));
 }
 
 std::string lowercased(std::string_view text) {
@@ -164,8 +183,8 @@ std::string_view trimmed(std::string_view text) {
     std::size_t start = text.size();
     std::size_t end = 0;
     for (std::size_t at = 0; at < text.size();) {
-        const Decoded decoded = decodeAt(text, at);
-        if (!isWhitespace(decoded.character)) {
+        const CodePoint decoded = codePointAt(text, at);
+        if (!isWhitespace(decoded.value)) {
             start = std::min(start, at);
             end = at + decoded.length;
         }
@@ -181,8 +200,8 @@ std::vector<std::string_view> splitWhitespace(std::string_view text) {
         if (end > start) pieces.push_back(text.substr(start, end - start));
     };
     for (std::size_t at = 0; at < text.size();) {
-        const Decoded decoded = decodeAt(text, at);
-        if (isWhitespace(decoded.character)) {
+        const CodePoint decoded = codePointAt(text, at);
+        if (isWhitespace(decoded.value)) {
             close(at);
             start = at + decoded.length;
         }
@@ -196,22 +215,22 @@ std::string printable(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
-        const Decoded decoded = decodeAt(text, at);
+        const CodePoint decoded = codePointAt(text, at);
         const std::string_view bytes = text.substr(at, decoded.length);
-        if (decoded.character == '\n') {
+        if (decoded.value == '\n') {
             result += "\\n";
-        } else if (decoded.character == '\t') {
+        } else if (decoded.value == '\t') {
             result += "\\t";
-        } else if (decoded.character == '\r') {
+        } else if (decoded.value == '\r') {
             result += "\\r";
-        } else if (decoded.character < 0) {
+        } else if (decoded.value < 0) {
             for (const char byte : bytes) {
                 result += fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
             }
-        } else if (!isHarmless(decoded.character)) {
-            result += decoded.character < 0x80
-                          ? fmt::format("\\x{:02x}", static_cast<unsigned>(decoded.character))
-                          : fmt::format("\\u{{{:x}}}", static_cast<unsigned>(decoded.character));
+        } else if (!isHarmless(decoded.value)) {
+            result += decoded.value < 0x80
+                          ? fmt::format("\\x{:02x}", static_cast<unsigned>(decoded.value))
+                          : fmt::format("\\u{{{:x}}}", static_cast<unsigned>(decoded.value));
         } else {
             result += bytes;
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,15 @@ namespace tovi {
 
 bool isValidUtf8(std::string_view text);
 
+/// One code point of UTF-8 text; `value` is negative where the bytes are not UTF-8.
+struct CodePoint {
+    std::int32_t value;
+    std::size_t length; // bytes
+};
+
+/// The code point that begins at byte `at`, which lies inside the text.
+CodePoint codePointAt(std::string_view text, std::size_t at);
+
 /// The number of characters as a person sees them (extended grapheme clusters, UAX #29); CR LF is
 /// one. `text` is valid UTF-8.
 std::size_t countCharacters(std::string_view text);
@@ -16,6 +26,9 @@ std::size_t countCharacters(std::string_view text);
 /// The first `maximum` characters as a person sees them, never cut inside one. `text` is valid
 /// UTF-8.
 std::string_view firstCharacters(std::string_view text, std::size_t maximum);
+
+/// The last `maximum` characters, likewise.
+std::string_view lastCharacters(std::string_view text, std::size_t maximum);
 
 /// Lower case by Unicode's rules, independent of the user's language.
 std::string lowercased(std::string_view text);

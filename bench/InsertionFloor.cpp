@@ -78,7 +78,7 @@ void insert(sqlite3* database, const std::vector<Text>& texts, const std::string
     sqlite3_finalize(statement);
 }
 
-void run(const std::string& folder, const std::string& path, bool withCoveringIndexes) {
+void run(const std::string& folder, const std::string& path, bool withFurtherIndexes) {
     const std::vector<Text> texts = readTexts(folder);
     tovi::IndexStore(path).roots(); // makes the schema
     sqlite3* database = nullptr;
@@ -86,7 +86,11 @@ void run(const std::string& folder, const std::string& path, bool withCoveringIn
                                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_FULLMUTEX, nullptr);
     require(opened == SQLITE_OK, database);
     std::string script = "PRAGMA synchronous=NORMAL; PRAGMA secure_delete=ON;";
-    if (!withCoveringIndexes) script += "DROP INDEX files_listing; DROP INDEX files_scan;";
+    if (!withFurtherIndexes) {
+        script += "DROP INDEX files_listing; DROP INDEX files_scan; DROP TABLE files_names;"
+                  "DROP TRIGGER files_names_insert; DROP TRIGGER files_names_delete;"
+                  "DROP TRIGGER files_names_update;";
+    }
     require(sqlite3_exec(database, script.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK,
             database);
 
@@ -106,9 +110,9 @@ void run(const std::string& folder, const std::string& path, bool withCoveringIn
 } // namespace
 
 int main(int argc, char** argv) {
-    const bool isBare = argc == 4 && std::string_view(argv[3]) == "--without-covering-indexes";
+    const bool isBare = argc == 4 && std::string_view(argv[3]) == "--fixed-tables-only";
     if (argc != 3 && !isBare) {
-        std::cerr << "usage: insertion-floor FOLDER DATABASE [--without-covering-indexes]\n";
+        std::cerr << "usage: insertion-floor FOLDER DATABASE [--fixed-tables-only]\n";
         return 2;
     }
     try {

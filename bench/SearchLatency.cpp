@@ -37,6 +37,7 @@ std::vector<Search> searches(const bench::Prose& prose) {
         {"common word", common},
         {"two common words", prose.word(5) + " " + prose.word(9)},
         {"one letter", "b"},
+        {"two letters", "xq"},
         {"no result", "xqzzyjwq"},
         {"no result, two words", common + " xqzzyjwq"},
         {"empty", ""},

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "cli/Context.h"
+#include "cli/Confirmation.h"
 #include "core/actions/FileActionService.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,17 +25,18 @@ class FileActions {
     FileActionService service_;
 };
 
-/// Adds `--confirm CODE`.
-void addConfirmation(CLI::App& command, std::string& code);
+/// What the commands take that change files named on the command line.
+struct FileArguments {
+    std::vector<std::string> paths;
+    std::string newName; // of a rename
+    std::string confirmation;
+};
 
-/// Shows the whole plan and executes it once it is confirmed: on a terminal by typing yes, else by
-/// the plan's own review code in `confirmation`, which is empty if none was given. Without either
-/// nothing changes and the exit code says that a review is needed.
+/// Plans the operation on these files, and executes it after a review.
+void reviewAndExecute(const FileArguments& arguments, FileOperation operation, Context& context);
+
+/// Executes a plan after a review.
 void reviewAndExecute(const ActionPlan& plan, const std::string& confirmation, FileActions& actions,
                       Context& context);
-
-/// For people: the line of a receipt, and with `restored` what became of each of its files.
-void printReceipt(const ActionReceipt& receipt);
-void printRestored(const ActionReceipt& receipt);
 
 } // namespace tovi::cli

@@ -3,27 +3,34 @@
 #include "base/Cancelled.h"
 
 #include <QEventLoop>
-#include <QTimer>
 #include <stdexcept>
 
 namespace tovi::cli {
-namespace {
 
-constexpr std::chrono::milliseconds interruptionInterval{50};
-
-} // namespace
-
-ModelSession::ModelSession(const Context& context)
+ModelSession::ModelSession(const Context& context, const std::optional<Following>& following)
     : application_(argumentCount_, arguments_), stop_(context.stop), runtime_(decoderPath()) {
+    const auto makeMonitor =
+        [this, following](std::function<void()> changed) -> std::unique_ptr<FolderChanges> {
+        if (!following) return nullptr;
+        return monitorSystemFolders(runtime_.executor(),
+                                    {std::move(changed), following->freshness});
+    };
+    AppSettings settings{.dataDirectory = context.dataDirectory,
+                         .isDataDirectoryGiven = true,
+                         .automaticallyScan = following.has_value()};
+    if (following) settings.automaticRescanInterval = following->interval;
     model_ = std::make_unique<AppModel>(
         AppSystem{runtime_.executor(), runtime_.indexer(), runtime_.actions(), desktop_, desktop_,
-                  desktop_, [](auto) { return std::make_unique<NoChanges>(); }},
-        AppSettings{.dataDirectory = context.dataDirectory,
-                    .isDataDirectoryGiven = true,
-                    .automaticallyScan = false});
-    model_->scan()->pauseQuietly();
+                  desktop_, makeMonitor},
+        settings);
+    following ? following->connect(*model_) : model_->scan()->pauseQuietly();
     bool isOpen = false;
-    QObject::connect(model_.get(), &AppModel::loaded, [&] { isOpen = true; });
+    const QObject opening; // what is connected ends with it
+    // The folders have been looked up after the settings, where those could be read.
+    QObject::connect(model_.get(), &AppModel::loaded, &opening,
+                     [&] { isOpen = !model_->isLoaded(); });
+    QObject::connect(model_.get(), &AppModel::libraryAccessChanged, &opening,
+                     [&] { isOpen = true; });
     model_->prepare();
     waitUntil([&] { return isOpen; });
     const std::string error = model_->notices()->errorMessage().toStdString();
@@ -31,8 +38,10 @@ ModelSession::ModelSession(const Context& context)
 }
 
 void ModelSession::waitUntil(const std::function<bool()>& isDone) const {
-    QTimer interruption; // a signal does not wake the event loop
-    interruption.start(interruptionInterval);
+    const std::stop_callback wakeUp(stop_, [] {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [] {}, Qt::QueuedConnection);
+    });
     while (!isDone()) {
         throwIfCancelled(stop_);
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/model/AppModel.h"
+#include "app/monitor/FolderMonitor.h"
 #include "app/runtime/Runtime.h"
 #include "cli/Context.h"
 
@@ -9,12 +10,18 @@
 
 namespace tovi::cli {
 
-/// The application's own model behind a command, started and ready, which scans nothing by itself.
-/// Holds the writer lock of the data directory.
+/// The application's own model behind a command, started and ready. It scans nothing by itself
+/// unless it is to follow changes. Holds the writer lock of the data directory.
 class ModelSession {
   public:
+    struct Following {
+        double interval = 15.0; // seconds between the starts of two scans
+        std::function<void(const std::vector<platform::FolderFreshness>&)> freshness;
+        std::function<void(AppModel&)> connect; // before the model starts
+    };
+
     /// Throws the model's sentence where the data directory cannot be used.
-    explicit ModelSession(const Context& context);
+    explicit ModelSession(const Context& context, const std::optional<Following>& following = {});
 
     AppModel& model() { return *model_; }
 
@@ -30,10 +37,6 @@ class ModelSession {
         bool setText(const std::string&) override { return false; }
         bool open(const std::string&) override { return false; }
         bool reveal(const std::string&) override { return false; }
-    };
-    class NoChanges final : public FolderChanges {
-        void start(const std::vector<std::string>&) override {}
-        void stop() override {}
     };
 
     char programName_[8] = "tovictl";

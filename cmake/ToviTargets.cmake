@@ -22,6 +22,9 @@ add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Wold
 if(TOVI_WERROR)
     add_compile_options(-Werror)
 endif()
+# Functions are found at the start of a program: finding one later saves registers, and with them
+# perhaps a part of a key, on the stack.
+add_link_options(-Wl,-z,relro,-z,now)
 if(TOVI_SANITIZERS)
     add_compile_options(-fsanitize=${TOVI_SANITIZERS} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer
@@ -30,7 +33,6 @@ if(TOVI_SANITIZERS)
     add_link_options(-fsanitize=${TOVI_SANITIZERS})
 else()
     add_compile_options(-fstack-protector-strong)
-    add_link_options(-Wl,-z,relro,-z,now)
     if(CMAKE_BUILD_TYPE STREQUAL "Release")
         add_compile_definitions(_FORTIFY_SOURCE=2)
     endif()

@@ -14,6 +14,7 @@ class WalkItem {
   public:
     virtual const std::string& path() const = 0; // absolute
     virtual std::string_view name() const = 0;
+    virtual const FileDescriptor& directory() const = 0; // open, and holds the item
     /// From the directory entry where it tells, else from the attributes.
     virtual FileType type() = 0;
     /// Reads them on the first call; throws `std::system_error`.
@@ -61,5 +62,9 @@ class WalkVisitor {
 /// (ELOOP), and depth is limited by memory only. Throws `std::system_error` where the root itself
 /// cannot be listed, and `Cancelled` between two entries.
 void walkDirectory(const std::string& root, WalkVisitor& visitor, const std::stop_token& stop);
+
+/// As above, from a directory that is open for reading; `path` is its name.
+void walkDirectory(FileDescriptor root, const std::string& path, WalkVisitor& visitor,
+                   const std::stop_token& stop);
 
 } // namespace tovi::platform

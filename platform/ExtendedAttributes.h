@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/FileDescriptor.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -14,6 +16,10 @@ class ExtendedAttributes {
   public:
     /// Links are not followed. What cannot be read counts as having none.
     explicit ExtendedAttributes(std::string path);
+
+    /// Of an item of any depth: `directory` is the open directory that holds it, by which items
+    /// are reached whose paths are too long. It must stay open while this is read.
+    ExtendedAttributes(const std::string& path, const FileDescriptor& directory);
 
     bool contains(std::string_view name) const;
 

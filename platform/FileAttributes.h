@@ -4,6 +4,7 @@
 #include "base/FileDescriptor.h"
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 namespace tovi::platform {
@@ -16,6 +17,8 @@ struct FileAttributes {
     std::int64_t size = 0; // bytes
     Date createdAt;        // the modification date where the file system keeps no birth time
     Date modifiedAt;
+    timespec modified{}; // `modifiedAt` to the nanosecond
+    timespec changed{};  // the last change of content, name or rights
     std::uint64_t inode = 0;
     std::uint64_t device = 0;
     std::uint64_t linkCount = 1; // names that lead to the item

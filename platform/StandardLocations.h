@@ -12,7 +12,8 @@ std::string homeDirectory();
 std::string dataHome();
 std::string cacheHome();
 
-/// The folder that the user's desktop saves downloads to (user-dirs.dirs), where it names one.
+/// The folder that the user's desktop saves downloads to (user-dirs.dirs), where it names one;
+/// links in its path are resolved.
 std::optional<std::string> downloadsDirectory();
 
 } // namespace tovi::platform

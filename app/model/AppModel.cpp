@@ -74,6 +74,7 @@ void AppModel::connectParts() {
     connect(&folders_, &FoldersModel::rootMoved, this,
             [this](const QString& from, const QString& to) {
                 spaces_.moveFiles(fromQt(from), fromQt(to));
+                std::replace(removals_.begin(), removals_.end(), fromQt(from), fromQt(to));
             });
     connect(&scan_, &ScanModel::libraryFilled, this,
             [this] { library_.reloadPage("Could not update the live library: "); });
@@ -183,7 +184,7 @@ void AppModel::finishOpening(Opened opened) {
     savedSearches_.restore(preferences);
     context_.isLoaded = true;
     plans_.setService(std::move(opened.actions));
-    monitor_ = system_.makeMonitor([this] { scan_.filesDidChange(); });
+    makeMonitor();
     Q_EMIT loaded();
     prepareLibrary();
     checkFolders();
@@ -191,7 +192,16 @@ void AppModel::finishOpening(Opened opened) {
     watchOtherProcesses();
 }
 
+void AppModel::makeMonitor() {
+    try {
+        monitor_ = system_.makeMonitor([this] { scan_.filesDidChange(); });
+    } catch (const std::system_error& error) {
+        notices_.setError("Changes of files cannot be noticed: " + reasonOf(error));
+    }
+}
+
 void AppModel::checkFolders() {
+    isCheckingFolders_ = true;
     runInBackground(
         context_.executor, this, {},
         [roots = folders_.roots(), index = context_.index,
@@ -200,8 +210,13 @@ void AppModel::checkFolders() {
                              checkRoots(roots, index ? &index->store : nullptr, bookmarks, stop));
         },
         [this](const Outcome<std::pair<std::vector<FolderGrant>, std::vector<FolderGrant>>>& both) {
-            if (!both) return notices_.setError(both.error);
-            folders_.applyChecks(both.value->first, both.value->second);
+            isCheckingFolders_ = false;
+            if (both) {
+                folders_.applyChecks(both.value->first, both.value->second);
+            } else {
+                notices_.setError(both.error);
+            }
+            if (!scan_.isIndexing()) startRemovals();
             updateMonitor();
             Q_EMIT libraryAccessChanged();
             if (options_.automaticallyScan && !folders_.roots().empty()) scan_.rescan();
@@ -298,13 +313,22 @@ void AppModel::removeRoot(const QString& root) {
     const auto& roots = folders_.roots();
     const bool isConnected = std::any_of(
         roots.begin(), roots.end(), [&](const FolderGrant& grant) { return grant.path == path; });
-    if (!isConnected || std::find(removals_.begin(), removals_.end(), path) != removals_.end()) {
-        return;
-    }
+    const auto isIn = [&](const std::vector<std::string>& paths) {
+        return std::find(paths.begin(), paths.end(), path) != paths.end();
+    };
+    if (!isConnected || isIn(removals_) || isIn(runningRemovals_)) return;
     removals_.push_back(path);
     ++context_.maintenanceCount;
     notices_.setStatus("Removing folder access and cached content…");
-    scan_.whenStopped(true, [this, path] { removeFromIndex(path); });
+    scan_.whenStopped(true, [this] { startRemovals(); });
+}
+
+void AppModel::startRemovals() {
+    if (isCheckingFolders_) return; // a check may still give a folder its new path
+    for (const std::string& path : std::exchange(removals_, {})) {
+        runningRemovals_.push_back(path);
+        removeFromIndex(path);
+    }
 }
 
 void AppModel::removeFromIndex(const std::string& path) {
@@ -316,7 +340,7 @@ void AppModel::removeFromIndex(const std::string& path) {
             return index->store.count();
         },
         [this, path](const Outcome<std::int64_t>& remaining) {
-            std::erase(removals_, path);
+            std::erase(runningRemovals_, path);
             if (remaining) {
                 folders_.forget(path);
                 notices_.setStatus(fmt::format("Folder access removed · {} files remain indexed",

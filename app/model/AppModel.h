@@ -23,7 +23,8 @@ struct AppSystem {
     FolderPicker& folderPicker;
     Clipboard& clipboard;
     FileOpener& opener;
-    /// Makes the monitor of the connected folders, which calls the handler on the main thread.
+    /// Makes the monitor of the connected folders, which calls the handler on the main thread; may
+    /// return none. Throws `std::system_error`.
     std::function<std::unique_ptr<FolderChanges>(std::function<void()> handler)> makeMonitor;
 };
 
@@ -135,6 +136,7 @@ class AppModel : public QObject {
                                     Date now);
     void finishOpening(Opened opened);
     void connectParts();
+    void makeMonitor();
     void checkFolders();
     void filesChanged();
     void accessChanged();
@@ -142,6 +144,7 @@ class AppModel : public QObject {
     void persistPreferences();
     void savePending();
     void watchOtherProcesses();
+    void startRemovals();
     void removeFromIndex(const std::string& path);
     void endMaintenance();
 
@@ -170,7 +173,9 @@ class AppModel : public QObject {
     std::uint64_t preferencesRevision_ = 0;
     bool isSaving_ = false;
     bool isOpening_ = false;
-    std::vector<std::string> removals_; // of roots, under way
+    bool isCheckingFolders_ = false;
+    std::vector<std::string> removals_; // of roots, asked for
+    std::vector<std::string> runningRemovals_;
     std::uint64_t seenIndexRevision_ = 0;
     QString section_ = QStringLiteral("files");
     bool showCommandPalette_ = false;

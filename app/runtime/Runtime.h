@@ -37,7 +37,4 @@ class Runtime {
     ThreadExecutor executor_; // the first to go: it waits for the jobs that use the others
 };
 
-/// Where the indexer looks for fresh downloads: the user's folder for them, links resolved.
-std::optional<std::string> downloadsFolder();
-
 } // namespace tovi

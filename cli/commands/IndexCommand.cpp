@@ -1,5 +1,5 @@
-#include "app/runtime/Runtime.h"
 #include "base/Text.h"
+#include "cli/Commands.h"
 #include "cli/Folders.h"
 #include "cli/Format.h"
 #include "cli/ProgressLine.h"
@@ -7,6 +7,7 @@
 #include "core/records/IntelligenceError.h"
 #include "core/store/IndexFiles.h"
 #include "decoder/client/DecoderPool.h"
+#include "platform/StandardLocations.h"
 
 #include <algorithm>
 #include <chrono>
@@ -84,7 +85,7 @@ void index(const IndexArguments& arguments, Context& context) {
     decoder::DecoderPool decoders({.program = decoderPath()});
     const ContentExtractor extractor(decoders, decoders);
     const FileIndexer indexer(availability, extractor,
-                              {.downloadsDirectory = downloadsFolder(),
+                              {.downloadsDirectory = platform::downloadsDirectory(),
                                .readers = std::max(1U, std::thread::hardware_concurrency())});
 
     const std::vector<std::string> roots = chooseRoots(arguments, context, indexer);

@@ -1,33 +1,16 @@
+#include "cli/Commands.h"
 #include "cli/FileActions.h"
+#include "cli/Receipts.h"
 #include "core/actions/ActionJson.h"
-
-#include <stdexcept>
-
-#include <fmt/core.h>
 
 namespace tovi::cli {
 namespace {
 
-void print(const ActionReceipt& receipt, const Context& context) {
-    if (context.json) {
-        context.print({{"receipt", toJson(receipt)}});
-    } else {
-        printRestored(receipt);
-    }
-}
-
-void undo(const std::string& text, const Context& context) {
-    const auto id = Uuid::parse(text);
-    if (!id) throw std::runtime_error("This is not the identifier of a receipt: " + text);
+void undo(const std::string& receipt, const Context& context) {
     FileActions actions(context);
-    try {
-        print(actions.service().undo(*id, actions.roots()), context);
-    } catch (const ActionError&) {
-        for (const ActionReceipt& receipt : actions.service().history()) {
-            if (receipt.id == *id) print(receipt, context);
-        }
-        throw;
-    }
+    undoAndPrint(
+        receipt, [&](const Uuid& id) { return actions.service().undo(id, actions.roots()); },
+        [&] { return actions.service().history(); }, context);
 }
 
 } // namespace

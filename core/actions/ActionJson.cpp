@@ -1,9 +1,10 @@
 #include "core/actions/ActionJson.h"
 
 #include "core/files/Base64.h"
+#include "core/files/JsonKeys.h"
+#include "core/files/ReviewCode.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <stdexcept>
 
 #include <nlohmann/json.hpp>
@@ -21,16 +22,6 @@ FileOperation operationFrom(const std::string& text) {
     if (text == "trash") return FileOperation::trash;
     if (text == "rename") return FileOperation::rename;
     throw std::runtime_error("unknown operation \"" + text + "\"");
-}
-
-// A key of a later version would be lost when the log is written again.
-void expectOnly(const Json& json, std::initializer_list<std::string_view> known) {
-    if (!json.is_object()) throw std::runtime_error("an object is missing");
-    for (const auto& [key, value] : json.items()) {
-        if (std::find(known.begin(), known.end(), key) == known.end()) {
-            throw std::runtime_error("unknown key \"" + key + "\"");
-        }
-    }
 }
 
 Json toJson(const FileSnapshot& snapshot) {
@@ -128,12 +119,7 @@ ActionReceipt receiptFromJson(const Json& json) {
 }
 
 std::string reviewCode(const ActionPlan& plan) {
-    constexpr std::size_t codeLength = 16;
-    const std::string reviewed =
-        Json::array({arrayOf(plan.items), arrayOf(plan.retainedFiles)}).dump();
-    Sha256 sum;
-    sum.update(std::as_bytes(std::span(reviewed)));
-    return hexadecimal(sum.finish()).substr(0, codeLength);
+    return reviewCodeOf(Json::array({arrayOf(plan.items), arrayOf(plan.retainedFiles)}));
 }
 
 bool freesNothing(const PlannedFileAction& item, const ActionPlan& plan) {

@@ -1,50 +1,33 @@
 #pragma once
 
-#include "core/actions/ActionReceipt.h"
-#include "core/files/ProcessLock.h"
+#include "core/actions/ActionError.h"
+#include "core/actions/ActionJson.h"
+#include "core/files/MoveJournal.h"
+#include "platform/DirectoryEntry.h"
 
-#include <cstddef>
-#include <optional>
-#include <string>
-#include <vector>
+#include <limits>
 
 namespace tovi {
 
-/// The step that is under way, kept beside the log while a plan is executed or undone.
-struct ActionIntent {
-    enum class Kind { execute, undo };
+/// What `actions.json` holds, and its sentences.
+struct ActionLogForm {
+    using Receipt = ActionReceipt;
+    using Entry = ActionEntry;
+    using Error = ActionError;
 
-    Kind kind = Kind::execute;
-    Uuid receipt;
-    std::size_t remaining = 0;        // files still to change, this step's included
-    std::optional<ActionEntry> entry; // as the log will hold it; none before the first step
+    static constexpr std::size_t limit = std::numeric_limits<std::size_t>::max();
+    static ActionReceipt receiptFrom(const nlohmann::ordered_json& json) {
+        return receiptFromJson(json);
+    }
+    static ActionEntry entryFrom(const nlohmann::ordered_json& json) { return entryFromJson(json); }
+    static ActionError error(const JournalError& error);
+    static ActionError busy();
+    static std::string stopped(std::size_t completed, const std::string& reason);
+    static bool leadsTo(const platform::DirectoryEntry& name, const ActionEntry& entry);
+    static bool isInTrash(const ActionEntry& entry);
 };
 
-/// The receipts of all executed plans in one JSON file, the oldest first. Several processes may
-/// read it; the one that writes holds the lock and reads it again first.
-class ActionLog {
-  public:
-    /// Makes the folder of `path` (mode 0700) if it is missing and reads the log. Throws
-    /// `ActionError` for one that cannot be read whole, and leaves it alone.
-    explicit ActionLog(std::string path);
-
-    std::vector<ActionReceipt>& receipts() { return receipts_; }
-    ActionReceipt* find(const Uuid& id);
-
-    /// Throws `ActionError`; `tryLock` gives nothing where another process is writing.
-    ProcessLock lock() const;
-    std::optional<ProcessLock> tryLock() const;
-
-    /// The following throw `ActionError`. `load` and `save` move the whole log.
-    void load();
-    void save() const;
-    std::optional<ActionIntent> intent() const;
-    void writeIntent(const ActionIntent& intent) const;
-    void clearIntent() const;
-
-  private:
-    std::string path_;
-    std::vector<ActionReceipt> receipts_;
-};
+using ActionLog = MoveJournal<ActionLogForm>;
+using ActionIntent = ActionLog::Intent;
 
 } // namespace tovi

@@ -2,8 +2,8 @@
 
 #include "base/Cancelled.h"
 #include "base/Text.h"
-#include "core/actions/ActionRecovery.h"
 #include "core/actions/FileChecks.h"
+#include "core/files/MoveRecovery.h"
 
 #include <algorithm>
 #include <set>
@@ -66,11 +66,12 @@ std::string freeDestination(const CheckedFile& file, const std::string& name) {
 
 FileActionService::FileActionService(const std::string& journalPath, FileActionSystem system)
     : system_(std::move(system)), log_(journalPath) {
+    log_.load();
     if (!log_.intent()) return;
     // Without the lock the run is not cut off but under way in another process.
     if (const auto lock = log_.tryLock()) {
         log_.load();
-        recoverInterruptedRun(log_, system_.trash, system_.move);
+        recoverInterruptedRun(log_, moves());
     }
 }
 
@@ -130,11 +131,8 @@ ActionPlan FileActionService::plan(std::span<const FileRecord> files, FileOperat
     return plan;
 }
 
-ProcessLock FileActionService::beginChange() {
-    ProcessLock lock = log_.lock();
-    log_.load();
-    recoverInterruptedRun(log_, system_.trash, system_.move);
-    return lock;
+MoveSystem FileActionService::moves() const {
+    return {system_.trash, system_.move, system_.bookmarks};
 }
 
 ActionReceipt FileActionService::execute(const ActionPlan& plan, const Uuid& confirmedPlanID,
@@ -144,13 +142,13 @@ ActionReceipt FileActionService::execute(const ActionPlan& plan, const Uuid& con
     if (confirmedPlanID != plan.id) {
         throw ActionError("This exact plan must be confirmed before execution.");
     }
-    const ProcessLock lock = beginChange();
+    const ProcessLock lock = beginChange(log_, moves());
     if (log_.find(plan.id) != nullptr) throw ActionError("This plan has already been executed.");
     const double age = system_.clock() - plan.createdAt;
     // The clock may have been set back since, and then tells nothing.
     if (age >= planLifetime || age < 0) throw ActionError("The plan expired. Review a fresh plan.");
 
-    const FileChecks checks(roots, system_.availability, stop);
+    FileChecks checks(roots, system_.availability, stop);
     checks.checkRetained(plan.retainedFiles, "");
     for (const PlannedFileAction& item : plan.items)
         checks.checkReviewed(item);
@@ -162,8 +160,7 @@ ActionReceipt FileActionService::execute(const ActionPlan& plan, const Uuid& con
     log_.save();
 
     const auto stopAt = [&](const std::string& reason) {
-        receipt.error = fmt::format("Stopped after {} completed file actions: {}",
-                                    receipt.entries.size(), reason);
+        receipt.error = ActionLogForm::stopped(receipt.entries.size(), reason);
         log_.save();
     };
     try {
@@ -214,102 +211,32 @@ ActionEntry FileActionService::change(const CheckedFile& file, const PlannedFile
         entry.currentPath = moved.path;
         syncError = moved.syncError;
     }
-    putBackUnlessReviewed(entry, file);
+    if (checkArrival<ActionLogForm>(entry, file.entry, moves()) == Arrival::putBack) {
+        throw ActionError("File changed since review: " + entry.originalPath +
+                          ". Create a fresh plan.");
+    }
     return entry;
-}
-
-void FileActionService::putBackUnlessReviewed(const ActionEntry& entry,
-                                              const CheckedFile& file) const {
-    std::optional<DirectoryEntry> moved;
-    try {
-        moved = DirectoryEntry::open(entry.currentPath);
-        if (leadsTo(*moved, entry.snapshot)) return;
-        system_.move.move(*moved, file.entry);
-    } catch (const std::system_error&) {
-        // What took the file's place in the last moment stays where it now is, on record.
-        return;
-    }
-    if (entry.operation == FileOperation::trash) {
-        system_.trash.forget(entry.currentPath, entry.originalPath);
-    }
-    throw ActionError("File changed since review: " + entry.originalPath +
-                      ". Create a fresh plan.");
 }
 
 ActionReceipt FileActionService::undo(const Uuid& id, const std::vector<std::string>& roots) {
     const std::lock_guard guard(mutex_);
-    const ProcessLock lock = beginChange();
+    const ProcessLock lock = beginChange(log_, moves());
     ActionReceipt* receipt = log_.find(id);
     if (receipt == nullptr) throw ActionError("No restorable action was found.");
-    std::vector<ActionEntry*> pending;
-    for (ActionEntry& entry : receipt->entries) {
-        if (!entry.restored) pending.push_back(&entry);
-    }
-    if (pending.empty()) throw ActionError("This action has no completed files to restore.");
-
     const FileChecks checks(roots, system_.availability, {});
-    ActionIntent intent{ActionIntent::Kind::undo, id, pending.size(), {}};
-    for (auto entry = pending.rbegin(); entry != pending.rend(); ++entry) {
-        try {
-            restore(intent, **entry, checks);
-        } catch (...) {
-            log_.clearIntent();
-            throw;
-        }
-        --intent.remaining;
-        receipt->undone = intent.remaining == 0;
-        log_.save();
-    }
-    log_.clearIntent();
+    undoReceipt<ActionLogForm>(
+        log_, *receipt, moves(),
+        {[&](const std::string& path) { checks.requireContained(path); },
+         [&](const DirectoryEntry& moved, const ActionEntry& entry) {
+             return takeSnapshot(moved, system_.availability).matches(entry.snapshot);
+         }});
     return *receipt;
-}
-
-void FileActionService::restore(ActionIntent& intent, ActionEntry& entry,
-                                const FileChecks& checks) {
-    std::string location = entry.currentPath;
-    if (entry.bookmark) {
-        if (const auto found = system_.bookmarks.locate(*entry.bookmark, entry.currentPath)) {
-            location = found->path;
-        }
-    }
-    checks.requireContained(entry.originalPath);
-    const ActionError taken("Restore stopped: " + entry.originalPath + " already exists.");
-    try {
-        const DirectoryEntry target = DirectoryEntry::open(entry.originalPath);
-        if (target.attributes()) throw taken;
-        std::optional<DirectoryEntry> source;
-        try {
-            source = DirectoryEntry::open(location);
-            if (!takeSnapshot(*source, system_.availability).matches(entry.snapshot)) {
-                source.reset();
-            }
-        } catch (const std::exception&) {
-            source.reset();
-        }
-        if (!source) {
-            throw ActionError(
-                "The moved file changed or is no longer available. Review it in Finder.");
-        }
-        intent.entry = entry;
-        intent.entry->currentPath = location;
-        log_.writeIntent(intent);
-        system_.move.move(*source, target);
-    } catch (const std::system_error& error) {
-        if (error.code() == std::errc::file_exists) throw taken;
-        throw ActionError("The file could not be restored: " + printable(error.what()));
-    }
-    if (entry.operation == FileOperation::trash) {
-        system_.trash.forget(entry.currentPath, entry.originalPath);
-    }
-    entry.restored = true;
 }
 
 std::vector<ActionReceipt> FileActionService::history() {
     const std::lock_guard guard(mutex_);
     log_.load();
-    std::vector<ActionReceipt> newestFirst = log_.receipts();
-    std::reverse(newestFirst.begin(), newestFirst.end());
-    return newestFirst;
+    return log_.newestFirst();
 }
 
 } // namespace tovi

@@ -21,6 +21,7 @@ namespace tovi {
 
 class FileChecks;
 struct CheckedFile;
+struct MoveSystem;
 
 /// What file actions need of the system; everything outlives the service.
 struct FileActionSystem {
@@ -65,11 +66,9 @@ class FileActionService {
     std::vector<ActionReceipt> history();
 
   private:
-    ProcessLock beginChange();
+    MoveSystem moves() const;
     ActionEntry change(const CheckedFile& file, const PlannedFileAction& item, ActionIntent& intent,
                        std::error_code& syncError);
-    void putBackUnlessReviewed(const ActionEntry& entry, const CheckedFile& file) const;
-    void restore(ActionIntent& intent, ActionEntry& entry, const FileChecks& checks);
 
     std::mutex mutex_;
     FileActionSystem system_; // with the log under the mutex

@@ -4,7 +4,6 @@
 #include "core/actions/ActionError.h"
 
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 namespace tovi {
 namespace {
@@ -25,15 +24,11 @@ DirectoryEntry openEntry(const std::string& path) {
 }
 
 bool hasControlCharacter(std::string_view text) {
-    const auto length = static_cast<std::int32_t>(text.size());
-    for (std::int32_t at = 0; at < length;) {
-        UChar32 character = 0;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wconversion"
-        U8_NEXT(text.data(), at, length, character);
-#pragma GCC diagnostic pop
-        const auto category = u_charType(character);
+    for (std::size_t at = 0; at < text.size();) {
+        const CodePoint character = codePointAt(text, at);
+        const auto category = u_charType(character.value);
         if (category == U_CONTROL_CHAR || category == U_FORMAT_CHAR) return true;
+        at += character.length;
     }
     return false;
 }
@@ -83,7 +78,8 @@ CheckedFile FileChecks::checkAgain(const std::string& path) const {
         throw ActionError("This file is not available locally. No content was read.");
     }
     try {
-        return {entry, takeSnapshot(entry, availability_, stop_), attributes->linkCount};
+        return {entry, takeSnapshot(entry, availability_, stop_), attributes->linkCount,
+                attributes->changed};
     } catch (const SnapshotError& error) {
         throw ActionError(error.what());
     }
@@ -112,21 +108,29 @@ CheckedFile FileChecks::checkReviewed(const PlannedFileAction& item) const {
     return file;
 }
 
-void FileChecks::checkRetained(const std::vector<RetainedFile>& files,
-                               const std::string& digest) const {
-    for (const RetainedFile& file : files) {
-        bool isWhole = false;
-        try {
-            if (digest.empty() || file.snapshot.digest == digest) {
-                isWhole = checkAgain(file.path).snapshot.matches(file.snapshot);
-            } else {
-                requireContained(file.path);
-                isWhole = leadsTo(openEntry(file.path), file.snapshot);
+bool FileChecks::isWhole(const RetainedFile& file, bool read) {
+    try {
+        const auto known = retainedAt_.find(file.path);
+        if (!read && known != retainedAt_.end()) {
+            requireContained(file.path);
+            const DirectoryEntry entry = openEntry(file.path);
+            const auto found = entry.attributes();
+            if (found && found->changed.tv_sec == known->second.tv_sec &&
+                found->changed.tv_nsec == known->second.tv_nsec) {
+                return leadsTo(entry, file.snapshot);
             }
-        } catch (const ActionError&) {
-            isWhole = false;
         }
-        if (!isWhole) {
+        const CheckedFile checked = checkAgain(file.path);
+        retainedAt_[file.path] = checked.changed;
+        return checked.snapshot.matches(file.snapshot);
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+void FileChecks::checkRetained(const std::vector<RetainedFile>& files, const std::string& digest) {
+    for (const RetainedFile& file : files) {
+        if (!isWhole(file, file.snapshot.digest == digest)) {
             throw ActionError("The retained copy changed or disappeared. No further duplicates "
                               "will be moved.");
         }

@@ -5,6 +5,8 @@
 #include "platform/Availability.h"
 #include "platform/DirectoryEntry.h"
 
+#include <ctime>
+#include <map>
 #include <stop_token>
 #include <string>
 
@@ -15,6 +17,7 @@ struct CheckedFile {
     platform::DirectoryEntry entry;
     FileSnapshot snapshot;
     std::uint64_t linkCount;
+    timespec changed; // the last change of its status before it was read
 };
 
 /// The checks made of every file before it is planned and again before it is changed. All throw
@@ -41,14 +44,17 @@ class FileChecks {
     /// Throws unless the file matches what was reviewed and a rename's new name is still free.
     CheckedFile checkReviewed(const PlannedFileAction& item) const;
 
-    /// Throws unless the retained copies are whole. Those with `digest`, or all if it is empty,
-    /// are read; the others are only looked at.
-    void checkRetained(const std::vector<RetainedFile>& files, const std::string& digest) const;
+    /// Throws unless the retained copies are whole. Those with `digest` are read every time, the
+    /// others when their status changed since, which no writer can hide as it can a date.
+    void checkRetained(const std::vector<RetainedFile>& files, const std::string& digest);
 
   private:
+    bool isWhole(const RetainedFile& file, bool read);
+
     AuthorizedFolders folders_;
     const platform::Availability& availability_;
     std::stop_token stop_;
+    std::map<std::string, timespec> retainedAt_; // by path, their status when they were read
 };
 
 /// The new name without white space around it. Throws `ActionError`.

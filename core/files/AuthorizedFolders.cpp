@@ -32,11 +32,17 @@ std::optional<std::string> resolvedFolders(const std::string& path) {
     return (folder / item.filename()).string();
 }
 
+std::optional<std::string> canonicalPath(const std::string& path) {
+    if (!path.starts_with('/') || path.find('\0') != std::string::npos) return std::nullopt;
+    std::error_code error;
+    const fs::path resolved = fs::weakly_canonical(standardized(path), error);
+    if (error) return std::nullopt;
+    return resolved.string();
+}
+
 AuthorizedFolders::AuthorizedFolders(const std::vector<std::string>& roots) {
     for (const std::string& root : roots) {
-        std::error_code error;
-        const fs::path resolved = fs::weakly_canonical(standardized(root), error);
-        if (!error && resolved.is_absolute()) roots_.push_back(resolved.string());
+        if (auto resolved = canonicalPath(root)) roots_.push_back(std::move(*resolved));
     }
 }
 

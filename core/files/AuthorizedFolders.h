@@ -11,6 +11,9 @@ namespace tovi {
 /// that cannot be resolved.
 std::optional<std::string> resolvedFolders(const std::string& path);
 
+/// The path in its standard form, absolute, with all links resolved, one at its end too.
+std::optional<std::string> canonicalPath(const std::string& path);
+
 /// The folders in which files may be changed.
 class AuthorizedFolders {
   public:

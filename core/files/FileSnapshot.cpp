@@ -1,33 +1,14 @@
 #include "core/files/FileSnapshot.h"
 
-#include "base/Cancelled.h"
+#include "core/files/FileDigest.h"
 
-#include <cerrno>
+#include <limits>
 #include <system_error>
-#include <vector>
-
-#include <fcntl.h>
 
 namespace tovi {
 namespace {
 
 using platform::FileAttributes;
-
-std::string digestOf(const FileDescriptor& file, const std::string& path,
-                     const std::stop_token& stop) {
-    constexpr std::size_t chunkSize = 1'048'576;
-    ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
-    std::vector<std::byte> chunk(chunkSize);
-    Sha256 sum;
-    for (;;) {
-        throwIfCancelled(stop);
-        const ssize_t length = ::read(file.get(), chunk.data(), chunk.size());
-        if (length < 0 && errno == EINTR) continue;
-        if (length < 0) throw std::system_error(errno, std::generic_category(), path);
-        if (length == 0) return hexadecimal(sum.finish());
-        sum.update(std::span(chunk).first(static_cast<std::size_t>(length)));
-    }
-}
 
 } // namespace
 
@@ -56,7 +37,8 @@ FileSnapshot takeSnapshot(const platform::DirectoryEntry& entry,
     try {
         const FileDescriptor file = entry.openRegularFile();
         const FileAttributes before = platform::attributesOf(file, entry.path());
-        const std::string digest = digestOf(file, entry.path(), stop);
+        const auto digest =
+            digestOf(file, std::numeric_limits<std::uint64_t>::max(), entry.path(), stop);
         const FileAttributes after = platform::attributesOf(file, entry.path());
         // The name must still lead to what was read.
         const auto named = entry.attributes();
@@ -65,7 +47,7 @@ FileSnapshot takeSnapshot(const platform::DirectoryEntry& entry,
             throw SnapshotError(SnapshotError::Kind::changed);
         }
         return {static_cast<std::uint64_t>(after.size), after.modifiedAt, after.inode,
-                platform::volumeNumber(file, entry.path()), digest};
+                platform::volumeNumber(file, entry.path()), digest.value_or("")};
     } catch (const std::system_error&) {
         throw SnapshotError(SnapshotError::Kind::notRegular);
     }

@@ -31,13 +31,6 @@ bool contains(const std::array<std::string_view, count>& names, std::string_view
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-bool isProtected(std::string_view path) {
-    if (contains(protectedPaths, path)) return true;
-    if (path != userMounts && isSameOrBelow(path, userMounts)) return false;
-    return std::any_of(protectedTrees.begin(), protectedTrees.end(),
-                       [&](std::string_view tree) { return isSameOrBelow(path, tree); });
-}
-
 } // namespace
 
 bool IndexingPolicy::isExcludedName(std::string_view name) {
@@ -53,8 +46,14 @@ bool IndexingPolicy::isSensitiveName(std::string_view name) {
     return contains(sensitiveExtensions, lowercasedExtension(lower));
 }
 
+bool IndexingPolicy::isSystemLocation(std::string_view path) {
+    if (path != userMounts && isSameOrBelow(path, userMounts)) return false;
+    return std::any_of(protectedTrees.begin(), protectedTrees.end(),
+                       [&](std::string_view tree) { return isSameOrBelow(path, tree); });
+}
+
 bool IndexingPolicy::acceptsRoot(std::string_view path) {
-    if (isProtected(path)) return false;
+    if (contains(protectedPaths, path) || isSystemLocation(path)) return false;
     for (std::size_t at = 0; at < path.size();) {
         const std::size_t end = std::min(path.find('/', at), path.size());
         const std::string_view component = path.substr(at, end - at);

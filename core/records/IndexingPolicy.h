@@ -12,6 +12,9 @@ struct IndexingPolicy {
     /// Names that look like credentials; such files are never recorded.
     static bool isSensitiveName(std::string_view name);
 
+    /// Whether a path lies in a tree that is the system's and holds no file of a user's.
+    static bool isSystemLocation(std::string_view path);
+
     /// Whether a folder may be connected. `path` is absolute, links resolved.
     static bool acceptsRoot(std::string_view path);
 };

@@ -71,6 +71,15 @@ Statement& Statement::bindNull() {
     return *this;
 }
 
+Statement& Statement::bindPointer(const void* object, const char* type) {
+    // SQLite hands the address on as it is; the function that takes it only reads.
+    if (sqlite3_bind_pointer(statement_.get(), ++bound_, const_cast<void*>(object), type,
+                             nullptr) != SQLITE_OK) {
+        database_.fail();
+    }
+    return *this;
+}
+
 bool Statement::step() {
     switch (sqlite3_step(statement_.get())) {
     case SQLITE_ROW:
@@ -114,6 +123,24 @@ std::string_view Statement::text(int column) const {
     if (bytes == nullptr) return {};
     return {reinterpret_cast<const char*>(bytes),
             static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
+}
+
+Transaction::Transaction(Database& database, Kind kind) : database_(database) {
+    database_.execute(kind == Kind::writing ? "BEGIN IMMEDIATE" : "BEGIN");
+}
+
+Transaction::~Transaction() {
+    if (!isOpen_) return;
+    try {
+        database_.execute("ROLLBACK");
+    } catch (const IntelligenceError&) {
+        // The failure that ended the transaction is the one to report.
+    }
+}
+
+void Transaction::commit() {
+    database_.execute("COMMIT");
+    isOpen_ = false;
 }
 
 InterruptOnStop::InterruptOnStop(Database& database, const std::stop_token& stop)

@@ -47,6 +47,8 @@ class Statement {
     Statement& bind(std::int64_t value);
     Statement& bind(double value);
     Statement& bindNull();
+    /// An object for a function of the program's own, which knows it by `type`, a constant.
+    Statement& bindPointer(const void* object, const char* type);
     template <typename Value>
     Statement& bind(const std::optional<Value>& value) {
         return value ? bind(*value) : bindNull();
@@ -72,6 +74,23 @@ class Statement {
     Database& database_;
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
     int bound_ = 0;
+};
+
+/// Everything between construction and `commit`, or nothing of it.
+class Transaction {
+  public:
+    enum class Kind { reading, writing };
+
+    Transaction(Database& database, Kind kind);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    void commit();
+
+  private:
+    Database& database_;
+    bool isOpen_ = true;
 };
 
 /// For its lifetime the connection's statements are interrupted once `stop` is requested.

@@ -2,6 +2,7 @@
 
 #include "core/records/DownloadOrigin.h"
 #include "core/records/IntelligenceError.h"
+#include "core/store/TextMatches.h"
 #include "platform/PrivateDirectory.h"
 
 #include <filesystem>
@@ -50,6 +51,22 @@ constexpr const char* coveringIndexes =
     "CREATE INDEX IF NOT EXISTS files_scan"
     " ON files(root, path, size, modified, status, source, downloaded, kind);";
 
+// Runs of three letters in names, so that a phrase in the middle of one is found without looking at
+// all of them.
+constexpr const char* namesIndex =
+    R"(CREATE VIRTUAL TABLE files_names USING fts5(name, content='files', content_rowid='rowid', tokenize='trigram', detail='none');
+CREATE TRIGGER files_names_insert AFTER INSERT ON files BEGIN
+  INSERT INTO files_names(rowid,name) VALUES(new.rowid,new.name);
+END;
+CREATE TRIGGER files_names_delete AFTER DELETE ON files BEGIN
+  INSERT INTO files_names(files_names,rowid,name) VALUES('delete',old.rowid,old.name);
+END;
+CREATE TRIGGER files_names_update AFTER UPDATE OF name ON files WHEN old.name IS NOT new.name BEGIN
+  INSERT INTO files_names(files_names,rowid,name) VALUES('delete',old.rowid,old.name);
+  INSERT INTO files_names(rowid,name) VALUES(new.rowid,new.name);
+END;
+INSERT INTO files_names(files_names) VALUES('rebuild');)";
+
 // A first scan writes as much log as database; folding it in seldom saves a third of the time. Few
 // pages are mapped, so that a scan stays small; a reader maps all it can instead.
 constexpr const char* writerTuning = "PRAGMA wal_autocheckpoint=16000; PRAGMA mmap_size=67108864;";
@@ -88,6 +105,13 @@ void refuseNewerVersion(Database& database) {
     sqlite3_db_config(database.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
 }
 
+void addNamesIndex(Database& database) {
+    if (hasNamesIndex(database)) return;
+    Transaction transaction(database, Transaction::Kind::writing);
+    if (!hasNamesIndex(database)) database.execute(namesIndex);
+    transaction.commit();
+}
+
 bool hasDownloadedColumn(Database& database) {
     try {
         Statement columns(database, "PRAGMA table_info(files)");
@@ -110,6 +134,7 @@ std::unique_ptr<Database> openIndexForWriting(const std::string& path) {
     platform::makePrivateDirectory(std::filesystem::path(path).parent_path());
     auto database = std::make_unique<Database>(path, Database::Access::readWrite);
     registerSourceGroup(*database);
+    registerTextFunctions(*database);
     makePrivate(path);
     refuseNewerVersion(*database);
     database->execute(settings);
@@ -120,6 +145,7 @@ std::unique_ptr<Database> openIndexForWriting(const std::string& path) {
         database->execute("ALTER TABLE files ADD COLUMN downloaded REAL;");
     }
     database->execute(coveringIndexes);
+    addNamesIndex(*database);
     database->execute(fmt::format("PRAGMA user_version={};", indexSchemaVersion));
     makePrivate(path);
     return database;
@@ -128,6 +154,7 @@ std::unique_ptr<Database> openIndexForWriting(const std::string& path) {
 std::unique_ptr<Database> openIndexForReading(const std::string& path) {
     auto database = std::make_unique<Database>(path, Database::Access::readOnly);
     registerSourceGroup(*database);
+    registerTextFunctions(*database);
     refuseNewerVersion(*database);
     database->execute(readerTuning);
     return database;

@@ -1,6 +1,7 @@
 #include "core/store/IndexStore.h"
 
 #include "base/Cancelled.h"
+#include "base/Text.h"
 #include "core/records/IntelligenceError.h"
 #include "core/store/IndexSchema.h"
 #include "core/store/SearchStatement.h"
@@ -57,6 +58,42 @@ FileRecord recordOf(const Statement& row, IndexStore::Content content) {
     return record;
 }
 
+std::vector<FileRecord> readAll(Statement& statement, IndexStore::Content content,
+                                const std::stop_token& stop) {
+    std::vector<FileRecord> records;
+    while (statement.step()) {
+        throwIfCancelled(stop);
+        records.push_back(recordOf(statement, content));
+    }
+    return records;
+}
+
+/// What `read` gives; throws `Cancelled` once `stop` is requested.
+template <typename Read>
+std::vector<FileRecord> cancellable(Database& database, const std::stop_token& stop, Read read) {
+    const InterruptOnStop interrupt(database, stop);
+    try {
+        return read();
+    } catch (const IntelligenceError&) {
+        throwIfCancelled(stop); // what failed is the interrupted statement
+        throw;
+    }
+}
+
+void bind(Statement& statement, const SearchClause::Value& value) {
+    if (const auto* matches = std::get_if<const TextMatches*>(&value)) {
+        statement.bindPointer(*matches, textMatchesType);
+    } else if (auto* const* look = std::get_if<Look*>(&value)) {
+        statement.bindPointer(*look, lookType);
+    } else if (const auto* text = std::get_if<std::string>(&value)) {
+        statement.bind(*text);
+    } else if (const auto* number = std::get_if<std::int64_t>(&value)) {
+        statement.bind(*number);
+    } else {
+        statement.bind(std::get<double>(value));
+    }
+}
+
 std::int64_t sizeWithLog(const std::string& path) {
     std::int64_t total = 0;
     for (const char* suffix : {"", "-wal"}) {
@@ -65,22 +102,6 @@ std::int64_t sizeWithLog(const std::string& path) {
         if (!missing) total += static_cast<std::int64_t>(size);
     }
     return total;
-}
-
-template <typename Work>
-void inTransaction(Database& database, Work work) {
-    database.execute("BEGIN IMMEDIATE");
-    try {
-        work();
-        database.execute("COMMIT");
-    } catch (const IntelligenceError&) {
-        try {
-            database.execute("ROLLBACK");
-        } catch (const IntelligenceError&) {
-            // The first failure is the one to report.
-        }
-        throw;
-    }
 }
 
 } // namespace
@@ -124,38 +145,42 @@ void IndexStore::upsert(const FileRecord& record) {
     ++revision_;
 }
 
-std::vector<FileRecord> IndexStore::readAll(Statement& statement, Content content,
-                                            const std::stop_token& stop) {
-    const InterruptOnStop interrupt(*db_, stop);
-    std::vector<FileRecord> records;
-    try {
-        while (statement.step()) {
-            throwIfCancelled(stop);
-            records.push_back(recordOf(statement, content));
-        }
-    } catch (const IntelligenceError&) {
-        throwIfCancelled(stop); // what failed is the interrupted statement
-        throw;
-    }
-    return records;
-}
-
 std::vector<FileRecord> IndexStore::allFiles(const std::stop_token& stop) {
     const std::lock_guard lock(mutex_);
-    Statement statement(*db_, "SELECT * FROM files ORDER BY modified DESC, path ASC");
-    return readAll(statement, Content::included, stop);
+    return cancellable(*db_, stop, [&] {
+        Statement statement(*db_, "SELECT * FROM files ORDER BY modified DESC, path ASC");
+        return readAll(statement, Content::included, stop);
+    });
 }
 
 std::vector<FileRecord> IndexStore::search(const SearchQuery& query, std::int64_t limit,
                                            std::int64_t offset, Content content,
                                            const std::stop_token& stop) {
-    const SearchStatement search = searchStatement(query, limit, offset);
     const std::lock_guard lock(mutex_);
-    Statement statement(*db_, search.sql);
-    for (const auto& value : search.values) {
-        std::visit([&](const auto& bound) { statement.bind(bound); }, value);
-    }
-    return readAll(statement, content, stop);
+    return cancellable(*db_, stop, [&] {
+        // Both indexes and the rows as they were at one moment.
+        const Transaction transaction(*db_, Transaction::Kind::reading);
+        const auto page = [&](const std::optional<SearchClause>& text,
+                              const std::optional<std::vector<std::int64_t>>& rows) {
+            const SearchClause search = searchStatement(query, text, rows, limit, offset);
+            Statement statement(*db_, search.sql);
+            for (const auto& value : search.values)
+                bind(statement, value);
+            return readAll(statement, content, stop);
+        };
+        if (splitWhitespace(query.text).empty()) return page({}, {});
+
+        const WordJudge judge(*db_, query.text);
+        if (Look look{judge}; Look::isWorthwhile(judge)) {
+            try {
+                return page(textClause(look, query.text), {});
+            } catch (const IntelligenceError&) {
+                if (!look.isExhausted()) throw;
+            }
+        }
+        const TextMatches matches = findTextMatches(*db_, judge, query.text);
+        return page(textClause(matches, query.text), matches.few);
+    });
 }
 
 std::optional<FileRecord> IndexStore::record(const std::string& path) {
@@ -164,6 +189,66 @@ std::optional<FileRecord> IndexStore::record(const std::string& path) {
     statement.bind(path);
     if (!statement.step()) return std::nullopt;
     return recordOf(statement, Content::included);
+}
+
+std::vector<FileRecord> IndexStore::records(const std::vector<std::string>& paths,
+                                            const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT * FROM files WHERE path = ?");
+    std::vector<FileRecord> records;
+    for (const std::string& path : paths) {
+        throwIfCancelled(stop);
+        statement.bind(path);
+        if (statement.step()) records.push_back(recordOf(statement, Content::leftOut));
+        statement.reset();
+    }
+    return records;
+}
+
+std::vector<FileRecord> IndexStore::filesInFolder(const std::string& folder, std::int64_t limit) {
+    constexpr int mostSteps = 10'000;
+    const std::string prefix = folder == "/" ? folder : folder + '/';
+    const std::string end = prefix.substr(0, prefix.size() - 1) + '0'; // "0" follows "/"
+    const std::lock_guard lock(mutex_);
+    Statement next(*db_, "SELECT * FROM files WHERE path >= ? AND path < ? ORDER BY path LIMIT 1");
+    std::vector<FileRecord> records;
+    std::string start = prefix + '\1'; // no text without NUL lies between the two
+    for (int steps = 0; steps < mostSteps; ++steps) {
+        if (static_cast<std::int64_t>(records.size()) >= limit) break;
+        next.bind(start).bind(end);
+        if (!next.step()) break;
+        const std::string_view path = next.text(0);
+        const std::size_t slash = path.find('/', prefix.size());
+        if (slash == std::string_view::npos) {
+            start = std::string(path) + '\1';
+            records.push_back(recordOf(next, Content::leftOut));
+        } else {
+            start = std::string(path.substr(0, slash)) + '0'; // past everything below it
+        }
+        next.reset();
+    }
+    return records;
+}
+
+std::optional<Date> IndexStore::newestBefore(Date date) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT max(modified) FROM files WHERE modified < ?");
+    statement.bind(date.seconds);
+    statement.step();
+    return optionalDate(statement, 0);
+}
+
+std::vector<KindTotal> IndexStore::modifiedBetween(Date start, Date end) {
+    const std::lock_guard lock(mutex_);
+    Statement statement(*db_, "SELECT kind, count(*), sum(size) FROM files INDEXED BY "
+                              "files_listing WHERE modified >= ? AND modified < ? GROUP BY kind");
+    statement.bind(start.seconds).bind(end.seconds);
+    std::vector<KindTotal> totals;
+    while (statement.step()) {
+        totals.push_back({fileKindFromRawValue(statement.text(0)).value_or(FileKind::other),
+                          statement.integer(1), statement.integer(2)});
+    }
+    return totals;
 }
 
 std::vector<IndexScanRecord> IndexStore::scanRecords(const std::string& rootPath) {
@@ -203,14 +288,14 @@ void IndexStore::remove(const std::vector<std::string>& paths) {
     if (paths.empty()) return;
     const std::lock_guard lock(mutex_);
     std::int64_t removed = 0;
-    inTransaction(*db_, [&] {
-        Statement statement(*db_, "DELETE FROM files WHERE path = ?");
-        for (const std::string& path : paths) {
-            statement.bind(path);
-            statement.run();
-            removed += db_->changes();
-        }
-    });
+    Transaction transaction(*db_, Transaction::Kind::writing);
+    Statement statement(*db_, "DELETE FROM files WHERE path = ?");
+    for (const std::string& path : paths) {
+        statement.bind(path);
+        statement.run();
+        removed += db_->changes();
+    }
+    transaction.commit();
     if (removed > 0) ++revision_;
 }
 
@@ -234,26 +319,29 @@ void IndexStore::adoptRows(const std::string& rootPath) {
 
 void IndexStore::moveRoot(const std::string& from, const std::string& to) {
     const std::lock_guard lock(mutex_);
-    inTransaction(*db_, [&] {
-        // Substrings count characters, and so does the length.
-        Statement rename(*db_, "UPDATE OR IGNORE files SET root = ?2, "
-                               "path = ?2 || substr(path, length(?1) + 1) WHERE root = ?1");
-        rename.bind(from).bind(to);
-        rename.run();
-        Statement remove(*db_, "DELETE FROM files WHERE root = ?");
-        remove.bind(from);
-        remove.run();
-    });
+    Transaction transaction(*db_, Transaction::Kind::writing);
+    // Substrings count characters, and so does the length.
+    Statement rename(*db_, "UPDATE OR IGNORE files SET root = ?2, "
+                           "path = ?2 || substr(path, length(?1) + 1) WHERE root = ?1");
+    rename.bind(from).bind(to);
+    rename.run();
+    Statement remove(*db_, "DELETE FROM files WHERE root = ?");
+    remove.bind(from);
+    remove.run();
+    transaction.commit();
     ++revision_;
 }
 
 std::vector<FileRecord> IndexStore::filesSharingSize(const std::stop_token& stop) {
     const std::lock_guard lock(mutex_);
-    Statement statement(*db_, "SELECT * FROM files WHERE kind NOT IN ('folder','application') AND "
-                              "size IN (SELECT size FROM files "
-                              "WHERE kind NOT IN ('folder','application') "
-                              "GROUP BY size HAVING count(*) > 1)");
-    return readAll(statement, Content::leftOut, stop);
+    return cancellable(*db_, stop, [&] {
+        Statement statement(*db_,
+                            "SELECT * FROM files WHERE kind NOT IN ('folder','application') AND "
+                            "size IN (SELECT size FROM files "
+                            "WHERE kind NOT IN ('folder','application') "
+                            "GROUP BY size HAVING count(*) > 1)");
+        return readAll(statement, Content::leftOut, stop);
+    });
 }
 
 void IndexStore::clear() {
@@ -261,7 +349,18 @@ void IndexStore::clear() {
     db_->execute("DELETE FROM files;");
     ++revision_;
     db_->execute("INSERT INTO files_fts(files_fts) VALUES('rebuild'); "
+                 "INSERT INTO files_names(files_names) VALUES('rebuild'); "
                  "PRAGMA wal_checkpoint(TRUNCATE); VACUUM;");
+}
+
+std::vector<FileRecord> IndexStore::downloads(const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    return cancellable(*db_, stop, [&] {
+        Statement statement(*db_, "SELECT * FROM files INDEXED BY files_scan "
+                                  "WHERE kind <> 'folder' AND (source IS NOT NULL OR "
+                                  "downloaded IS NOT NULL OR instr(path, '/Downloads/') > 0)");
+        return readAll(statement, Content::leftOut, stop);
+    });
 }
 
 std::vector<std::string> IndexStore::roots() {

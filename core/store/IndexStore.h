@@ -25,6 +25,13 @@ struct IndexSummary {
     std::int64_t total() const;
 };
 
+/// Files of one kind, in numbers.
+struct KindTotal {
+    FileKind kind;
+    std::int64_t files;
+    std::int64_t bytes;
+};
+
 /// Owns the connection to the index, the file "index.sqlite". May be called from any thread: each
 /// operation holds the one lock for as long as it runs. Other processes may read meanwhile, and a
 /// second writer waits up to five seconds for the first.
@@ -54,6 +61,20 @@ class IndexStore {
 
     std::optional<FileRecord> record(const std::string& path);
 
+    /// The files of these paths that are in the index, in the order given, without content.
+    std::vector<FileRecord> records(const std::vector<std::string>& paths,
+                                    const std::stop_token& stop = {});
+
+    /// Files that lie in `folder` itself, by path, without content. Looks past 10,000 files and
+    /// folders at the most.
+    std::vector<FileRecord> filesInFolder(const std::string& folder, std::int64_t limit);
+
+    /// The latest modification before `date`.
+    std::optional<Date> newestBefore(Date date);
+
+    /// The files modified from `start` on and before `end`.
+    std::vector<KindTotal> modifiedBetween(Date start, Date end);
+
     std::vector<IndexScanRecord> scanRecords(const std::string& rootPath);
 
     /// The same rows one at a time, for roots of any size; `each` must not call the store.
@@ -82,6 +103,10 @@ class IndexStore {
     /// Empties the index and compacts its file, so that no text lingers in free pages.
     void clear();
 
+    /// The files that may be downloads, in no order and without content: those with an address or
+    /// a date of download, and those below a folder "Downloads".
+    std::vector<FileRecord> downloads(const std::stop_token& stop = {});
+
     /// The connected folders that have files in the index, in byte order.
     std::vector<std::string> roots();
 
@@ -96,8 +121,6 @@ class IndexStore {
 
   private:
     Statement& prepared(const char* sql);
-    std::vector<FileRecord> readAll(Statement& statement, Content content,
-                                    const std::stop_token& stop);
 
     std::mutex mutex_; // guards everything below
     std::string path_;

@@ -1,27 +1,34 @@
 #pragma once
 
 #include "core/search/SearchQuery.h"
+#include "core/store/TextMatches.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
 namespace tovi {
 
-/// The SQL of one page of search results and the values to bind, in order.
-struct SearchStatement {
-    using Value = std::variant<std::string, std::int64_t, double>;
+/// A condition and the values to bind in it, in order.
+struct SearchClause {
+    using Value = std::variant<std::string, std::int64_t, double, const TextMatches*, Look*>;
 
     std::string sql;
     std::vector<Value> values;
 };
 
-/// Newest first, ties by path. `limit` is taken as 1 to 100,000, `offset` as 0 or more.
-SearchStatement searchStatement(const SearchQuery& query, std::int64_t limit, std::int64_t offset);
+/// How the words of a query choose files: by what the indexes found, or by looking at each. What is
+/// pointed to must outlive the statement.
+SearchClause textClause(const TextMatches& matches, const std::string& text);
+SearchClause textClause(Look& look, const std::string& text);
 
-/// The part of a LIKE pattern that matches `text` literally; the escape character is the backslash.
-std::string escapedForLike(std::string_view text);
+/// One page of search results, newest first, ties by path. `limit` is taken as 1 to 100,000,
+/// `offset` as 0 or more. `text` is absent where the query has no word. With `rows` only these are
+/// looked up.
+SearchClause searchStatement(const SearchQuery& query, const std::optional<SearchClause>& text,
+                             const std::optional<std::vector<std::int64_t>>& rows,
+                             std::int64_t limit, std::int64_t offset);
 
 } // namespace tovi

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/indexing/ContentReaders.h"
+#include "core/photos/PictureDecoder.h"
 #include "decoder/client/DecoderProcess.h"
 #include "decoder/protocol/Message.h"
 
@@ -18,13 +19,6 @@ namespace tovi::decoder {
 /// A file could not be decoded; `what()` is the whole sentence for the user.
 struct DecodingError : std::runtime_error {
     using std::runtime_error::runtime_error;
-};
-
-/// RGB, 8 bits each, rows from top to bottom without padding.
-struct DecodedPicture {
-    int width = 0;
-    int height = 0;
-    std::string pixels;
 };
 
 struct DecoderPoolOptions {
@@ -48,7 +42,7 @@ struct DecoderPoolOptions {
 /// May be called from any thread. Must outlive its calls; the destructor ends all decoders. Files
 /// are open for reading only and regular; they may be closed as soon as the call returns. Besides
 /// what the interfaces say, the calls throw `DecodingError`.
-class DecoderPool final : public PdfReader, public PictureTextReader {
+class DecoderPool final : public PdfReader, public PictureTextReader, public PictureDecoder {
   public:
     explicit DecoderPool(DecoderPoolOptions options);
 
@@ -58,9 +52,14 @@ class DecoderPool final : public PdfReader, public PictureTextReader {
                                 std::size_t maximumCharacters, const ReadOptions& options,
                                 const std::stop_token& stop) override;
 
-    /// The picture upright and scaled down to `maximumSide` pixels, 2048 at most.
+    /// `maximumSide` is 2048 at most.
     DecodedPicture decodePicture(const FileDescriptor& file, int maximumSide,
-                                 const std::stop_token& stop);
+                                 const std::stop_token& stop) override;
+
+    /// The first page of a PDF on white, drawn so that its longer side has `side` pixels, 2048 at
+    /// most. Letters of fonts that the document does not bring along are left out. Throws
+    /// `IntelligenceError` for what is not a PDF.
+    DecodedPicture drawPdfPage(const FileDescriptor& file, int side, const std::stop_token& stop);
 
     /// Starts a decoder and asks it, and the kernel about it, how it is confined.
     Confinement confinement(const std::stop_token& stop);
@@ -83,6 +82,8 @@ class DecoderPool final : public PdfReader, public PictureTextReader {
     };
     class Turn;
 
+    DecodedPicture pixels(Task task, const FileDescriptor& file, int side,
+                          const std::stop_token& stop);
     Answer decode(const Request& request, const FileDescriptor& file,
                   const DecoderProcess::Patience& patience, const std::stop_token& stop);
     Started start(Task task, const std::stop_token& stop);

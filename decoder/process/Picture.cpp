@@ -1,6 +1,7 @@
 #include "decoder/process/Picture.h"
 
 #include "decoder/process/WrongFormat.h"
+#include "decoder/protocol/Message.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <allheaders.h>
 #include <dlfcn.h>
@@ -23,7 +25,6 @@
 namespace tovi::decoder {
 namespace {
 
-constexpr std::int64_t maximumPixels = 100'000'000;
 constexpr std::array loaders = {"VipsForeignLoadJpeg",  "VipsForeignLoadPng",
                                 "VipsForeignLoadWebp",  "VipsForeignLoadTiff",
                                 "VipsForeignLoadNsgif", "VipsForeignLoadHeif"};
@@ -78,7 +79,14 @@ std::int64_t integerAt(std::span<const std::byte> bytes, std::size_t offset) {
     return std::abs(std::int64_t{value});
 }
 
-Image loadBmp(std::span<const std::byte> bytes, int maximumSide) {
+/// A picture in the pipeline, and how large it is in its file, upright.
+struct Loaded {
+    Image image;
+    int fullWidth;
+    int fullHeight;
+};
+
+Loaded loadBmp(std::span<const std::byte> bytes, int maximumSide) {
     refuseHugePictures(integerAt(bytes, 18), integerAt(bytes, 22));
     const auto* data = reinterpret_cast<const l_uint8*>(bytes.data());
     const std::unique_ptr<Pix, FreePix> stored(pixReadMemBmp(data, bytes.size()));
@@ -101,10 +109,11 @@ Image loadBmp(std::span<const std::byte> bytes, int maximumSide) {
     const Image whole(vips_image_new_from_memory_copy(rgb.data(), rgb.size(), width, height, 3,
                                                       VIPS_FORMAT_UCHAR));
     if (whole == nullptr) failDecoding();
-    return make([&](VipsImage** image) {
+    Image small = make([&](VipsImage** image) {
         return vips_thumbnail_image(whole.get(), image, maximumSide, "height", maximumSide, "size",
                                     VIPS_SIZE_DOWN, nullptr);
     });
+    return {std::move(small), width, height};
 }
 
 bool isSupported(const char* loader) {
@@ -113,21 +122,27 @@ bool isSupported(const char* loader) {
            });
 }
 
-Image loadOther(std::span<const std::byte> bytes, int maximumSide) {
+Loaded loadOther(std::span<const std::byte> bytes, int maximumSide) {
     auto* data = const_cast<std::byte*>(bytes.data());
     if (!isSupported(vips_foreign_find_load_buffer(data, bytes.size()))) {
         vips_error_clear();
         throw WrongFormat("The picture format is not supported.");
     }
+    int fullWidth = 0;
+    int fullHeight = 0;
     {
         const Image header(vips_image_new_from_buffer(data, bytes.size(), "", nullptr));
         if (header == nullptr) failDecoding();
-        refuseHugePictures(vips_image_get_width(header.get()), vips_image_get_height(header.get()));
+        fullWidth = vips_image_get_width(header.get());
+        fullHeight = vips_image_get_height(header.get());
+        refuseHugePictures(fullWidth, fullHeight);
+        if (vips_image_get_orientation_swap(header.get()) != 0) std::swap(fullWidth, fullHeight);
     }
-    return make([&](VipsImage** image) {
+    Image small = make([&](VipsImage** image) {
         return vips_thumbnail_buffer(data, bytes.size(), image, maximumSide, "height", maximumSide,
                                      "size", VIPS_SIZE_DOWN, "export_profile", "srgb", nullptr);
     });
+    return {std::move(small), fullWidth, fullHeight};
 }
 
 Image onWhite(Image image) {
@@ -162,8 +177,9 @@ void preparePictures() {
 }
 
 Picture loadPicture(std::span<const std::byte> bytes, int maximumSide, Colours colours) {
-    Image image = isBmp(bytes) ? loadBmp(bytes, maximumSide) : loadOther(bytes, maximumSide);
-    image = onWhite(converted(image, VIPS_INTERPRETATION_sRGB));
+    const Loaded loaded =
+        isBmp(bytes) ? loadBmp(bytes, maximumSide) : loadOther(bytes, maximumSide);
+    Image image = onWhite(converted(loaded.image, VIPS_INTERPRETATION_sRGB));
     if (colours == Colours::grey) image = converted(image, VIPS_INTERPRETATION_B_W);
     image = make([&](VipsImage** out) { return vips_cast_uchar(image.get(), out, nullptr); });
 
@@ -177,6 +193,8 @@ Picture loadPicture(std::span<const std::byte> bytes, int maximumSide, Colours c
     const auto* first = static_cast<const std::byte*>(memory.get());
     return {vips_image_get_width(image.get()),
             vips_image_get_height(image.get()),
+            loaded.fullWidth,
+            loaded.fullHeight,
             {first, first + size}};
 }
 

@@ -12,6 +12,8 @@ enum class Colours { grey, rgb };
 struct Picture {
     int width = 0;
     int height = 0;
+    int fullWidth = 0; // before it was scaled down
+    int fullHeight = 0;
     std::vector<std::byte> pixels;
 };
 

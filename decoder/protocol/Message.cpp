@@ -67,7 +67,7 @@ Fields fieldsOf(const TextDone& done) {
     return {done.textBytes};
 }
 Fields fieldsOf(const PixelsDone& done) {
-    return {done.width, done.height};
+    return {done.width, done.height, done.fullWidth, done.fullHeight};
 }
 Fields fieldsOf(const Failed& failed) {
     return {failed.wrongFormat, failed.sentenceBytes};
@@ -89,7 +89,9 @@ std::optional<Reply> replyOf(const Envelope& envelope) {
     case 4:
         if (std::min(f[0], f[1]) == 0 || std::max(f[0], f[1]) > maximumPixelsSide)
             return std::nullopt;
-        return PixelsDone{f[0], f[1]};
+        if (f[2] < f[0] || f[3] < f[1] || std::uint64_t{f[2]} * f[3] > maximumPixels)
+            return std::nullopt;
+        return PixelsDone{f[0], f[1], f[2], f[3]};
     case 5:
         if (f[1] > maximumSentenceBytes) return std::nullopt;
         return Failed{f[0] != 0, f[1]};
@@ -107,13 +109,16 @@ std::string_view nameOf(Task task) {
     case Task::pictureText:
         return "picture-text";
     case Task::picturePixels:
+        return "picture-pixels";
+    case Task::pdfPixels:
         break;
     }
-    return "picture-pixels";
+    return "pdf-pixels";
 }
 
 std::optional<Task> taskNamed(std::string_view name) {
-    for (const Task task : {Task::pdfText, Task::pictureText, Task::picturePixels}) {
+    for (const Task task :
+         {Task::pdfText, Task::pictureText, Task::picturePixels, Task::pdfPixels}) {
         if (name == nameOf(task)) return task;
     }
     return std::nullopt;
@@ -143,6 +148,7 @@ std::optional<Request> parseRequest(std::span<const std::byte> bytes) {
         if (f[0] != 0 || f[2] == 0 || f[2] > maximumRecognisedSide) return std::nullopt;
         break;
     case Task::picturePixels:
+    case Task::pdfPixels:
         if (f[0] != 0 || f[1] != 0 || f[2] == 0 || f[2] > maximumPixelsSide) return std::nullopt;
         break;
     default:
@@ -173,6 +179,7 @@ bool answers(const Reply& reply, const Request& request, std::uint32_t pagesBefo
     case Task::pictureText:
         return std::holds_alternative<TextDone>(reply);
     case Task::picturePixels:
+    case Task::pdfPixels:
         if (const auto* done = std::get_if<PixelsDone>(&reply))
             return std::max(done->width, done->height) <= request.maximumSide;
         return false;

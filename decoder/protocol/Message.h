@@ -28,6 +28,7 @@ inline constexpr std::uint32_t maximumTextBytes = 8 * 1024 * 1024;
 inline constexpr std::uint32_t maximumSentenceBytes = 512;
 inline constexpr std::uint32_t maximumRecognisedSide = 8192; // pixels
 inline constexpr std::uint32_t maximumPixelsSide = 2048;     // pixels
+inline constexpr std::uint32_t maximumPixels = 100'000'000;  // of a picture in a file
 inline constexpr std::size_t resultCapacity =
     std::size_t{maximumPixelsSide} * maximumPixelsSide * 3;
 
@@ -36,7 +37,7 @@ inline constexpr int socketDescriptor = 3;
 inline constexpr int resultDescriptor = 4;
 
 /// A decoder serves one task from its start to its end, named by its only argument.
-enum class Task : std::uint16_t { pdfText = 1, pictureText = 2, picturePixels = 3 };
+enum class Task : std::uint16_t { pdfText = 1, pictureText = 2, picturePixels = 3, pdfPixels = 4 };
 
 std::string_view nameOf(Task task);
 std::optional<Task> taskNamed(std::string_view name);
@@ -45,7 +46,7 @@ struct Request {
     Task task = Task::pdfText;
     std::uint32_t maximumPages = 0;      // of a PDF
     std::uint32_t maximumCharacters = 0; // of text, as a person sees them
-    std::uint32_t maximumSide = 0;       // of a picture, in pixels
+    std::uint32_t maximumSide = 0;       // of a picture or a page, in pixels
 
     bool operator==(const Request&) const = default;
 };
@@ -76,10 +77,13 @@ struct TextDone {
     bool operator==(const TextDone&) const = default;
 };
 
-/// RGB, 8 bits each, rows from top to bottom without padding.
+/// RGB, 8 bits each, rows from top to bottom without padding, scaled down from a picture of the
+/// full width and height.
 struct PixelsDone {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
+    std::uint32_t fullWidth = 0;
+    std::uint32_t fullHeight = 0;
     bool operator==(const PixelsDone&) const = default;
 };
 

@@ -21,13 +21,13 @@ FileType typeOf(std::uint32_t mode) {
     }
 }
 
-Date dateOf(const statx_timestamp& time) {
-    return Date::fromTimespec({time.tv_sec, static_cast<long>(time.tv_nsec)});
+timespec timeOf(const statx_timestamp& time) {
+    return {time.tv_sec, static_cast<long>(time.tv_nsec)};
 }
 
 FileAttributes read(int directory, const char* name, int flags, const std::string& path) {
     constexpr unsigned wanted =
-        STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_BTIME | STATX_INO | STATX_NLINK;
+        STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_CTIME | STATX_BTIME | STATX_INO | STATX_NLINK;
     struct statx found = {};
     if (::statx(directory, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, wanted, &found) !=
         0) {
@@ -36,9 +36,12 @@ FileAttributes read(int directory, const char* name, int flags, const std::strin
     FileAttributes result;
     result.type = typeOf(found.stx_mode);
     result.size = static_cast<std::int64_t>(found.stx_size);
-    result.modifiedAt = dateOf(found.stx_mtime);
-    result.createdAt =
-        (found.stx_mask & STATX_BTIME) != 0 ? dateOf(found.stx_btime) : result.modifiedAt;
+    result.modified = timeOf(found.stx_mtime);
+    result.changed = timeOf(found.stx_ctime);
+    result.modifiedAt = Date::fromTimespec(result.modified);
+    result.createdAt = (found.stx_mask & STATX_BTIME) != 0
+                           ? Date::fromTimespec(timeOf(found.stx_btime))
+                           : result.modifiedAt;
     result.inode = found.stx_ino;
     result.linkCount = found.stx_nlink;
     result.device = makedev(found.stx_dev_major, found.stx_dev_minor);

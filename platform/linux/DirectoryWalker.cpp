@@ -87,11 +87,8 @@ class Walk {
   public:
     Walk(WalkVisitor& visitor, const std::stop_token& stop) : visitor_(visitor), stop_(stop) {}
 
-    void run(const std::string& root) {
+    void run(FileDescriptor directory, const std::string& root) {
         path_ = root;
-        FileDescriptor directory(
-            ::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-        if (!directory.isOpen()) throw systemError(root);
         const FileAttributes attributes = attributesOf(directory, root);
         push(std::move(directory), attributes);
         while (depth_ > 0) {
@@ -122,6 +119,7 @@ class Walk {
 
         const std::string& path() const override { return path_; }
         std::string_view name() const override { return level_.listing.name(entry_); }
+        const FileDescriptor& directory() const override { return level_.descriptor; }
         FileType type() override {
             if (const auto type = typeOfEntry(entry_.type)) return *type;
             return attributes().type;
@@ -230,7 +228,14 @@ class Walk {
 } // namespace
 
 void walkDirectory(const std::string& root, WalkVisitor& visitor, const std::stop_token& stop) {
-    Walk(visitor, stop).run(root);
+    FileDescriptor directory(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!directory.isOpen()) throw systemError(root);
+    walkDirectory(std::move(directory), root, visitor, stop);
+}
+
+void walkDirectory(FileDescriptor root, const std::string& path, WalkVisitor& visitor,
+                   const std::stop_token& stop) {
+    Walk(visitor, stop).run(std::move(root), path);
 }
 
 } // namespace tovi::platform

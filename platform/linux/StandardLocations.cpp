@@ -1,6 +1,7 @@
 #include "platform/StandardLocations.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string_view>
 
@@ -60,8 +61,9 @@ std::optional<std::string> downloadsDirectory() {
         if (value.starts_with(homePrefix)) value.replace(0, homePrefix.size(), homeDirectory());
         value = withoutFinalSlash(value);
         // A value equal to the home folder means that the user has no such folder.
-        if (value.starts_with('/') && value != homeDirectory()) return value;
-        return std::nullopt;
+        if (!value.starts_with('/') || value == homeDirectory()) return std::nullopt;
+        std::error_code failure;
+        return std::filesystem::weakly_canonical(value, failure).string();
     }
     return std::nullopt;
 }

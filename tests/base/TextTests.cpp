@@ -44,6 +44,11 @@ TEST(Text, NeverCutsInsideACharacter) {
     EXPECT_EQ(firstCharacters(flag + accented + "z", 1), flag);
     EXPECT_EQ(firstCharacters(flag + accented + "z", 2), flag + accented);
     EXPECT_EQ(firstCharacters(accented, 0), "");
+    EXPECT_EQ(lastCharacters("abc", 2), "bc");
+    EXPECT_EQ(lastCharacters("a\r\nb", 2), "\r\nb");
+    EXPECT_EQ(lastCharacters("z" + flag + flag + accented, 2), flag + accented);
+    EXPECT_EQ(lastCharacters("z" + accented, 5), "z" + accented);
+    EXPECT_EQ(lastCharacters(accented, 0), "");
 }
 
 TEST(Text, ValidatesUtf8) {

@@ -47,7 +47,7 @@ void answer(const std::string& behaviour, const std::string& program, bool first
     }
     if (behaviour == "huge-length") return say(forged(PdfDone{}, 4, UINT32_MAX));
     if (behaviour == "too-many-pages") return say(PdfDone{false, false, 500, 500, 0});
-    if (behaviour == "wrong-kind") return say(PixelsDone{1, 1});
+    if (behaviour == "wrong-kind") return say(PixelsDone{1, 1, 1, 1});
     if (behaviour == "garbage") return say(Packet{});
     if (behaviour == "descriptor") return say(PdfDone{}, STDIN_FILENO);
     if (behaviour == "same-progress") {

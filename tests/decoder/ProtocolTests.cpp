@@ -14,13 +14,14 @@ const std::vector<Request> requests = {
     {Task::pdfText, 100, 200'000, 0},
     {Task::pictureText, 0, 200'000, 2400},
     {Task::picturePixels, 0, 0, maximumPixelsSide},
+    {Task::pdfPixels, 0, 0, 1},
 };
 const std::vector<Reply> replies = {
     Ready{7},
     Progress{99},
     PdfDone{true, false, 150, 100, maximumTextBytes},
     TextDone{12'345},
-    PixelsDone{maximumPixelsSide, 1},
+    PixelsDone{maximumPixelsSide, 1, 10'000, 10'000},
     Failed{true, maximumSentenceBytes},
 };
 
@@ -63,8 +64,10 @@ TEST(Message, RefusesNumbersOutOfBounds) {
              PdfDone{false, false, 0x80000000, 1, 0},
              PdfDone{false, false, 1, 1, maximumTextBytes + 1},
              TextDone{maximumTextBytes + 1},
-             PixelsDone{0, 1},
-             PixelsDone{1, maximumPixelsSide + 1},
+             PixelsDone{0, 1, 1, 1},
+             PixelsDone{1, maximumPixelsSide + 1, 1, 10'000},
+             PixelsDone{2, 2, 2, 1},
+             PixelsDone{1, 1, 10'000, 10'001},
              Failed{false, maximumSentenceBytes + 1},
          })
         EXPECT_FALSE(parseReply(encode(reply))) << reply.index();
@@ -79,8 +82,8 @@ TEST(Message, KnowsWhichRepliesAnswerARequest) {
     EXPECT_TRUE(answers(PdfDone{false, false, 150, 100, 0}, pdf, 100));
     EXPECT_FALSE(answers(PdfDone{false, false, 150, 101, 0}, pdf, 100));
     EXPECT_FALSE(answers(PdfDone{false, false, 150, 99, 0}, pdf, 100));
-    EXPECT_TRUE(answers(PixelsDone{768, 1}, pixels, 0));
-    EXPECT_FALSE(answers(PixelsDone{1, 769}, pixels, 0));
+    EXPECT_TRUE(answers(PixelsDone{768, 1, 768, 1}, pixels, 0));
+    EXPECT_FALSE(answers(PixelsDone{1, 769, 1, 769}, pixels, 0));
     EXPECT_FALSE(answers(Progress{1}, pixels, 0));
     EXPECT_FALSE(answers(Ready{}, pdf, 0));
     EXPECT_FALSE(answers(TextDone{1}, pdf, 0));

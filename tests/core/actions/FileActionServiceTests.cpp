@@ -263,18 +263,34 @@ TEST_F(ExecuteTest, StopsAtTheFirstFailureAndKeepsWhatIsDone) {
 TEST_F(ExecuteTest, WatchesTheKeepersDuringTheRun) {
     for (const char* name : {"keep", "copy 1", "copy 2"})
         tree.write(name, "same");
-    FileRecord keeper = record("keep");
-    keeper.sha256 = planTrash({"keep"}).items[0].snapshot.digest;
-    const ActionPlan plan = planTrash({"copy 1", "copy 2"}, {&keeper, 1});
-    trash.before = [&](const std::string&) {
+    tree.write("other keeper", "else");
+    tree.write("other copy", "else");
+    std::vector<FileRecord> keepers = records({"keep", "other keeper"});
+    for (FileRecord& keeper : keepers) {
+        keeper.sha256 =
+            service.plan({&keeper, 1}, FileOperation::trash, {}, roots).items[0].snapshot.digest;
+    }
+    const auto touch = [&] {
         fs::last_write_time(tree.path("keep"), fs::file_time_type::clock::now());
     };
-    const ActionReceipt receipt = execute(plan);
-    EXPECT_EQ(receipt.error,
-              "Stopped after 1 completed file actions: The retained copy changed or disappeared. "
-              "No further duplicates will be moved.");
-    EXPECT_EQ(readFile(tree.path("copy 2")), "same");
-    EXPECT_TRUE(fs::exists(tree.path("keep")));
+    // The date says nothing of this, and the next file is a copy of another keeper.
+    const auto rewrite = [&] {
+        const auto date = fs::last_write_time(tree.path("other keeper"));
+        tree.write("other keeper", "EVIL");
+        fs::last_write_time(tree.path("other keeper"), date);
+    };
+    for (const auto& damage : std::vector<std::function<void()>>{touch, rewrite}) {
+        for (const char* name : {"copy 1", "copy 2"})
+            tree.write(name, "same");
+        const ActionPlan plan = planTrash({"copy 1", "copy 2", "other copy"}, keepers);
+        trash.before = [&](const std::string&) { damage(); };
+        const ActionReceipt receipt = execute(plan);
+        EXPECT_EQ(receipt.error,
+                  "Stopped after 1 completed file actions: The retained copy changed or "
+                  "disappeared. No further duplicates will be moved.");
+        EXPECT_EQ(readFile(tree.path("copy 2")), "same");
+        EXPECT_TRUE(fs::exists(tree.path("keep")));
+    }
 }
 
 TEST_F(ExecuteTest, PutsBackAFileThatTookTheReviewedOnesPlace) {

@@ -1,7 +1,12 @@
 #include "base/Cancelled.h"
+#include "base/Text.h"
 #include "core/records/IntelligenceError.h"
 #include "core/store/IndexStore.h"
+#include "core/store/TextMatches.h"
 #include "tests/support/TemporaryTree.h"
+
+#include <algorithm>
+#include <random>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -72,6 +77,13 @@ class IndexStoreTest : public testing::Test {
         return paths(store.search(query, 100, 0));
     }
 };
+
+std::string replaced(std::string_view text, std::string_view from, std::string_view to) {
+    std::string result(text);
+    for (std::size_t at = 0; (at = result.find(from, at)) != std::string::npos; at += to.size())
+        result.replace(at, from.size(), to);
+    return result;
+}
 
 std::string messageOf(const std::function<void()>& action) {
     try {
@@ -351,6 +363,66 @@ TEST_F(IndexStoreTest, SaysWhichStepOfOpeningFailed) {
     sqlite3* const db = sqlite3_db_handle(running);
     sqlite3_finalize(running);
     sqlite3_close(db);
+}
+
+// What a search finds is fixed by two plain conditions; the indexes only find it faster.
+TEST_F(IndexStoreTest, FindsWhatLookingAtEveryRowFinds) {
+    const std::vector<std::string> pieces = {
+        "a",    "b",        "ab",   "Report", "rep", "50%_", "\\", "\"x\"", "été", "ÉT",
+        "日本", "日本語版", ".pdf", "-",      " ",   "'",    "OR", "\x01",  "ﬀ",   "K"};
+    std::mt19937 random(20);
+    const auto made = [&](int most) {
+        std::string text;
+        for (auto n = 1 + random() % static_cast<unsigned>(most); n > 0; --n)
+            text += pieces[random() % pieces.size()];
+        return text;
+    };
+    IndexStore store(path);
+    for (int n = 0; n < 400; ++n) {
+        FileRecord record = makeRecord("/root/" + std::to_string(n % 300), made(12), n);
+        record.name = made(5); // the later ones rename the first
+        store.upsert(record);
+    }
+    store.remove({"/root/7", "/root/8", "/root/9"});
+    const IndexStore::Content content = IndexStore::Content::leftOut;
+    int found = 0;
+    for (int n = 0; n < 400; ++n) {
+        SearchQuery query;
+        query.text = made(4);
+        if (n % 3 == 0) query.modifiedAfter = Date{200};
+        std::string words;
+        for (const std::string_view word : splitWhitespace(query.text)) {
+            if (!std::any_of(word.begin(), word.end(), [](char c) { return isalnum(c) || c < 0; }))
+                continue;
+            words += (words.empty() ? "\"" : " AND \"") + replaced(word, "\"", "\"\"") + "\"*";
+        }
+        const std::string like =
+            "name LIKE '%" + replaced(escapedForLike(query.text), "'", "''") + "%' ESCAPE '\\'";
+        const std::string match = words.empty() ? "0"
+                                                : "rowid IN (SELECT rowid FROM files_fts WHERE "
+                                                  "files_fts MATCH '" +
+                                                      replaced(words, "'", "''") + "')";
+        const auto expected =
+            sql("SELECT path FROM files WHERE (" +
+                (splitWhitespace(query.text).empty() ? "1" : match + " OR " + like) + ")" +
+                (query.modifiedAfter ? " AND modified >= 200" : "") +
+                " ORDER BY modified DESC, path LIMIT 50");
+        EXPECT_EQ(paths(store.search(query, 50, 0, content)), expected) << query.text;
+        found += static_cast<int>(expected.size());
+    }
+    EXPECT_GT(found, 1'000);
+}
+
+TEST_F(IndexStoreTest, GivesAnOlderIndexItsListOfNames) {
+    { IndexStore(path).upsert(makeRecord("/root/annual-report.txt")); }
+    sql("DROP TRIGGER files_names_insert; DROP TRIGGER files_names_delete; "
+        "DROP TRIGGER files_names_update; DROP TABLE files_names");
+    const std::vector<std::string> found = {"/root/annual-report.txt"};
+    IndexStore reader(path, IndexStore::Access::readOnly);
+    EXPECT_EQ(find(reader, "ual-rep"), found);
+    IndexStore writer(path);
+    EXPECT_EQ(find(writer, "ual-rep"), found);
+    EXPECT_EQ(sql("SELECT rowid FROM files_names WHERE files_names MATCH '\"ual\"'").size(), 1U);
 }
 
 TEST_F(IndexStoreTest, PassesOnWhatSqliteRefuses) {

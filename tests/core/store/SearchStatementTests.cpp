@@ -6,34 +6,11 @@ namespace tovi {
 namespace {
 
 std::string whereOf(const SearchQuery& query) {
-    const std::string sql = searchStatement(query, 10, 0).sql;
+    const std::string sql = searchStatement(query, {}, {}, 10, 0).sql;
     const std::string start = "SELECT * FROM files";
     const std::string end = " ORDER BY modified DESC, path ASC LIMIT ? OFFSET ?";
     EXPECT_TRUE(sql.starts_with(start) && sql.ends_with(end)) << sql;
     return sql.substr(start.size(), sql.size() - start.size() - end.size());
-}
-
-TEST(SearchStatement, QuotesWordsAndEscapesPatterns) {
-    SearchQuery query;
-    query.text = "say \"hi\" 50%_\\ - OR";
-    const SearchStatement statement = searchStatement(query, 7, 3);
-    EXPECT_EQ(whereOf(query),
-              " WHERE (files.rowid IN (SELECT rowid FROM files_fts WHERE files_fts MATCH ?)"
-              " OR name LIKE ? ESCAPE '\\')");
-    ASSERT_EQ(statement.values.size(), 4U);
-    EXPECT_EQ(std::get<std::string>(statement.values[0]),
-              "\"say\"* AND \"\"\"hi\"\"\"* AND \"50%_\\\"* AND \"OR\"*");
-    EXPECT_EQ(std::get<std::string>(statement.values[1]), "%say \"hi\" 50\\%\\_\\\\ - OR%");
-    EXPECT_EQ(std::get<std::int64_t>(statement.values[2]), 7);
-    EXPECT_EQ(std::get<std::int64_t>(statement.values[3]), 3);
-}
-
-TEST(SearchStatement, LeavesTheTextIndexOutWhereNoWordHasAToken) {
-    SearchQuery query;
-    query.text = "- \u2014";
-    EXPECT_EQ(whereOf(query), " WHERE name LIKE ? ESCAPE '\\'");
-    query.text = " \u00a0 ";
-    EXPECT_EQ(whereOf(query), "");
 }
 
 TEST(SearchStatement, AddsTheFiltersInOrder) {
@@ -48,15 +25,16 @@ TEST(SearchStatement, AddsTheFiltersInOrder) {
               " WHERE kind = ? AND (lower(name) LIKE '%screenshot%' OR lower(name) LIKE '%screen "
               "shot%') AND modified >= ? AND modified < ? AND size >= ? AND "
               "tovi_source_group(source) = ?");
-    EXPECT_EQ(std::get<std::string>(searchStatement(query, 1, 0).values[4]), "drive");
+    EXPECT_EQ(std::get<std::string>(searchStatement(query, {}, {}, 1, 0).values[4]), "drive");
     query.source = "acme_mail";
     EXPECT_TRUE(whereOf(query).ends_with("source LIKE ? ESCAPE '\\'"));
-    EXPECT_EQ(std::get<std::string>(searchStatement(query, 1, 0).values[4]), "%acme\\_mail%");
+    EXPECT_EQ(std::get<std::string>(searchStatement(query, {}, {}, 1, 0).values[4]),
+              "%acme\\_mail%");
 }
 
 TEST(SearchStatement, ClampsThePage) {
     const auto last = [](std::int64_t limit, std::int64_t offset) {
-        const auto values = searchStatement({}, limit, offset).values;
+        const auto values = searchStatement({}, {}, {}, limit, offset).values;
         return std::pair(std::get<std::int64_t>(values[0]), std::get<std::int64_t>(values[1]));
     };
     EXPECT_EQ(last(0, -1), std::pair(std::int64_t{1}, std::int64_t{0}));

@@ -1,0 +1,130 @@
+#include "app/photos/SimilarPhotosModel.h"
+
+#include "app/lists/QtConversions.h"
+#include "app/lists/RecordList.h"
+
+#include <QLocale>
+
+namespace tovi {
+namespace {
+
+QString stoppedText() {
+    return QStringLiteral("Comparison stopped. Your files are unchanged.");
+}
+
+QString grouped(int number) {
+    return QLocale().toString(number);
+}
+
+QVariantList valuesOf(const SimilarPhotoGroup& group) {
+    QVariantList files;
+    for (const FileRecord& file : group.files)
+        files.append(toVariantMap(file));
+    return files;
+}
+
+} // namespace
+
+SimilarPhotosModel::SimilarPhotosModel(Executor& executor, Scanner scanner)
+    : executor_(executor),
+      scanner_(std::move(scanner)),
+      groups_(
+          [](const SimilarPhotoGroup& group) { return group.id(); },
+          {{"id", [](const auto& group) { return toQt(group.id()); }},
+           {"files", valuesOf},
+           {"count", [](const auto& group) { return static_cast<int>(group.files.size()); }},
+           {"potentialBytes",
+            [](const auto& group) { return QVariant::fromValue<qint64>(group.potentialBytes()); }},
+           {"keeper", [](const auto& group) { return static_cast<int>(group.keeper()); }}}) {}
+
+QString SimilarPhotosModel::notice() const {
+    if (!report_ || isScanning_) return {};
+    if (report_->limited) {
+        return QStringLiteral(
+            "This comparison reached its limit. Choose a smaller folder to check more photos.");
+    }
+    if (report_->groups.empty()) return QStringLiteral("No look-alikes found in this check");
+    return {};
+}
+
+QString SimilarPhotosModel::caution() const {
+    return QStringLiteral("Similar photos can contain different details. File sizes shown here "
+                          "aren't a promise of freed disk space.");
+}
+
+QStringList SimilarPhotosModel::selectedIDList() const {
+    QStringList ids;
+    for (const std::string& id : selectedIDs_)
+        ids.append(toQt(id));
+    return ids;
+}
+
+std::vector<FileRecord> SimilarPhotosModel::selected() const {
+    std::vector<FileRecord> files;
+    if (!report_) return files;
+    for (const SimilarPhotoGroup& group : report_->groups) {
+        std::copy_if(group.files.begin(), group.files.end(), std::back_inserter(files),
+                     [&](const FileRecord& file) { return selectedIDs_.contains(file.path); });
+    }
+    return files;
+}
+
+void SimilarPhotosModel::start(std::vector<FileRecord> files, std::vector<std::string> roots) {
+    generation_.cancel();
+    isScanning_ = true;
+    selectedIDs_.clear();
+    Q_EMIT selectionChanged();
+    setStatus(QStringLiteral("Getting your photos ready…"));
+    const std::uint64_t job = generation_.stamp() + 1; // what `runLatest` makes of it
+    const LatestValue<SimilarPhotoProgress> progress(
+        executor_, this,
+        [this, job](const SimilarPhotoProgress& step) { updateProgress(job, step); });
+    runLatest(
+        executor_, this, generation_,
+        [scanner = scanner_, files = std::move(files), roots = std::move(roots),
+         progress](const std::stop_token& stop) {
+            return scanner(
+                files, roots, SimilarPhotoOptions{},
+                [&](const SimilarPhotoProgress& step) { progress.set(step); }, stop);
+        },
+        [this](Outcome<SimilarPhotoReport> outcome) { finish(std::move(outcome)); });
+}
+
+void SimilarPhotosModel::updateProgress(std::uint64_t job, const SimilarPhotoProgress& progress) {
+    if (job != generation_.stamp() || !isScanning_) return;
+    if (progress.phase != "Reading photos")
+        return setStatus(QStringLiteral("Finding photos that look alike…"));
+    setStatus(QStringLiteral("Looking at photos · %1 of %2")
+                  .arg(grouped(progress.completed), grouped(progress.total)));
+}
+
+void SimilarPhotosModel::finish(Outcome<SimilarPhotoReport> outcome) {
+    isScanning_ = false;
+    if (outcome.isCancelled) return setStatus(stoppedText());
+    if (!outcome) {
+        return setStatus(
+            QStringLiteral("Couldn't compare these photos. Try again or choose a smaller folder."));
+    }
+    report_ = *std::move(outcome.value);
+    groups_.replace(report_->groups);
+    setStatus(QStringLiteral("Compared %1 photos.").arg(grouped(report_->analyzed)));
+}
+
+void SimilarPhotosModel::cancel() {
+    generation_.cancel();
+    if (!std::exchange(isScanning_, false)) return;
+    setStatus(stoppedText());
+}
+
+void SimilarPhotosModel::setStatus(const QString& status) {
+    status_ = status;
+    Q_EMIT changed();
+}
+
+void SimilarPhotosModel::toggle(const QString& id) {
+    const std::string path = fromQt(id);
+    if (selectedIDs_.erase(path) == 0) selectedIDs_.insert(path);
+    Q_EMIT selectionChanged();
+}
+
+} // namespace tovi

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "app/background/Background.h"
+#include "app/lists/DifferenceListModel.h"
+#include "core/photos/SimilarPhotoScanner.h"
+
+#include <QStringList>
+#include <set>
+
+namespace tovi {
+
+/// Runs one look-alike check at a time and holds what the user marked in its groups. Changes no
+/// file: marked photos go through the reviewed file actions.
+class SimilarPhotosModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(tovi::RowListModel* groups READ groups CONSTANT)
+    Q_PROPERTY(bool isScanning READ isScanning NOTIFY changed)
+    Q_PROPERTY(bool hasReport READ hasReport NOTIFY changed)
+    Q_PROPERTY(QString status READ status NOTIFY changed)
+    Q_PROPERTY(QString notice READ notice NOTIFY changed)
+    Q_PROPERTY(QString caution READ caution CONSTANT)
+    Q_PROPERTY(QStringList selectedIDs READ selectedIDList NOTIFY selectionChanged)
+
+  public:
+    /// Compares photos; called away from the main thread, may tell of progress from any thread,
+    /// and throws `Cancelled`.
+    using Scanner = std::function<SimilarPhotoReport(
+        const std::vector<FileRecord>& files, const std::vector<std::string>& roots,
+        const SimilarPhotoOptions& options, const SimilarPhotoProgressHandler& progress,
+        const std::stop_token& stop)>;
+
+    SimilarPhotosModel(Executor& executor, Scanner scanner);
+
+    /// Roles: id, files (list of the values of a file), count, potentialBytes, keeper (the index
+    /// in files of the photo that deserves to stay).
+    RowListModel* groups() { return &groups_; }
+    /// The last finished check.
+    const std::optional<SimilarPhotoReport>& report() const { return report_; }
+    bool hasReport() const { return report_.has_value(); }
+    bool isScanning() const { return isScanning_; }
+    /// Empty before the first check.
+    QString status() const { return status_; }
+    /// What the finished check has to say besides its groups; may be empty.
+    QString notice() const;
+    QString caution() const;
+
+    const std::set<std::string>& selectedIDs() const { return selectedIDs_; }
+    QStringList selectedIDList() const;
+    /// The records of the marked photos, in the order of the groups.
+    std::vector<FileRecord> selected() const;
+
+    /// Begins a check of these records below the connected folders, in place of one that runs.
+    void start(std::vector<FileRecord> files, std::vector<std::string> roots);
+    Q_INVOKABLE void cancel();
+    Q_INVOKABLE void toggle(const QString& id);
+
+  Q_SIGNALS:
+    void changed();
+    void selectionChanged();
+
+  private:
+    void updateProgress(std::uint64_t job, const SimilarPhotoProgress& progress);
+    void finish(Outcome<SimilarPhotoReport> outcome);
+    void setStatus(const QString& status);
+
+    Executor& executor_;
+    Scanner scanner_;
+    std::optional<SimilarPhotoReport> report_;
+    DifferenceListModel<SimilarPhotoGroup> groups_;
+    bool isScanning_ = false;
+    QString status_;
+    std::set<std::string> selectedIDs_;
+    Generation generation_;
+};
+
+} // namespace tovi

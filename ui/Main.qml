@@ -1,0 +1,231 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Tovi
+import Tovi.Models
+
+ApplicationWindow {
+    id: window
+
+    required property string dataDirectory
+
+    readonly property var sections: [
+        { id: "overview", text: qsTr("Overview"), symbol: "square.grid.2x2", screen: "screens/OverviewScreen.qml" },
+        { id: "files", text: qsTr("Files"), symbol: "doc", screen: "screens/FilesScreen.qml" },
+        { id: "search", text: qsTr("Search"), symbol: "magnifyingglass", screen: "screens/SearchScreen.qml" },
+        { id: "spaces", text: qsTr("Spaces"), symbol: "rectangle.stack", screen: "screens/SpacesScreen.qml" },
+        { id: "duplicates", text: qsTr("Duplicates"), symbol: "square.on.square", screen: "screens/DuplicatesScreen.qml" },
+        { id: "activity", text: qsTr("Activity"), symbol: "clock", screen: "screens/ActivityScreen.qml" },
+        { id: "settings", text: qsTr("Settings"), symbol: "gearshape", screen: "screens/SettingsScreen.qml" },
+        { id: "privacy", text: qsTr("Privacy"), symbol: "lock.shield", screen: "screens/PrivacyScreen.qml" }
+    ]
+    readonly property var current: sections.find(section => section.id === App.section) || sections[1]
+    readonly property var commands: sections.map(section => ({
+        text: section.text, symbol: section.symbol, run: () => show(section.id)
+    })).concat([
+        { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
+        { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
+        { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
+          symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() }
+    ])
+    property var visited: []
+
+    function show(section) {
+        if (section === App.section)
+            return
+        visited = visited.concat([App.section]).slice(-50)
+        App.section = section
+    }
+    function goBack() {
+        if (visited.length === 0)
+            return
+        App.section = visited[visited.length - 1]
+        visited = visited.slice(0, -1)
+    }
+
+    width: 1180
+    height: 760
+    minimumWidth: 720
+    minimumHeight: 480
+    visible: true
+    title: qsTr("Tovi — %1").arg(current.text)
+    color: Theme.background
+
+    Binding { target: Theme; property: "choice"; value: App.settings.themeChoice }
+    Binding { target: Theme; property: "appearance"; value: App.settings.appearance }
+
+    Component.onCompleted: {
+        App.prepare()
+    }
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        Rectangle {
+            id: sidebar
+            Layout.fillHeight: true
+            Layout.preferredWidth: 212
+            color: Theme.sidebar
+            visible: true
+
+            ColumnLayout {
+                anchors.fill: parent
+                anchors.margins: 12
+                spacing: 2
+                RowLayout {
+                    Layout.margins: 8
+                    Layout.bottomMargin: 14
+                    spacing: 10
+                    Image {
+                        source: "qrc:/qt/qml/Tovi/icons/tovi.svg"
+                        sourceSize: Qt.size(26, 26)
+                        Accessible.ignored: true
+                    }
+                    AppText {
+                        text: "Tovi"
+                        font.pixelSize: Theme.heading
+                        isStrong: true
+                    }
+                }
+                Repeater {
+                    id: rows
+                    model: window.sections
+                    NavigationRow {
+                        required property var modelData
+                        required property int index
+                        Layout.fillWidth: true
+                        text: modelData.text
+                        symbol: modelData.symbol
+                        isCurrent: window.current.id === modelData.id
+                        onClicked: window.show(modelData.id)
+                        Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
+                        Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
+                        Keys.onReturnPressed: clicked()
+                    }
+                }
+                Item { Layout.fillHeight: true }
+                RowLayout {
+                    Layout.fillWidth: true
+                    Layout.leftMargin: 8
+                    spacing: 4
+                    AppText {
+                        Layout.fillWidth: true
+                        text: App.notices.statusMessage
+                        font.pixelSize: Theme.caption
+                        isSecondary: true
+                        wrapMode: Text.Wrap
+                        maximumLineCount: 3
+                        elide: Text.ElideRight
+                        Accessible.role: Accessible.StatusBar
+                    }
+                    IconButton {
+                        symbol: App.scan.isPaused ? "play" : "pause"
+                        label: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing")
+                        visible: App.folders.roots.count > 0
+                        onClicked: App.scan.pauseIndexing()
+                    }
+                }
+            }
+        }
+        Rectangle {
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            visible: sidebar.visible
+            color: Theme.border
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            spacing: 0
+            Banner {
+                Layout.fillWidth: true
+                visible: App.notices.errorMessage !== ""
+                text: App.notices.errorMessage
+                action: App.isLoaded && !App.hasIndex ? qsTr("Build the index anew") : ""
+                onActed: App.rebuildIndex()
+                onDismissed: App.notices.dismissError()
+            }
+            Banner {
+                Layout.fillWidth: true
+                visible: App.folders.connectionMessage !== ""
+                isError: false
+                text: App.folders.connectionMessage
+                onDismissed: App.folders.dismissConnectionMessage()
+            }
+            Loader {
+                id: content
+                objectName: "content"
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                focus: true
+                source: window.current.screen
+                onLoaded: {
+                    item.focus = true
+                    if (item.hasOwnProperty("dataDirectory"))
+                        item.dataDirectory = window.dataDirectory
+                }
+            }
+        }
+    }
+
+    Toast {
+        id: toast
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 24
+        anchors.horizontalCenter: parent.horizontalCenter
+        property string receipt: ""
+        onActed: if (receipt) App.plans.undo(receipt)
+    }
+    Connections {
+        target: App.plans
+        function onExecuted(receipt) {
+            toast.receipt = receipt
+            toast.show(App.notices.statusMessage, qsTr("Undo"))
+        }
+    }
+    Connections {
+        target: App.copyText
+        function onChanged() {
+            if (App.copyText.copyTextMessage) {
+                toast.receipt = ""
+                toast.show(App.copyText.copyTextMessage, "")
+            }
+        }
+    }
+
+    FolderDialog {
+        id: folderDialog
+        onAccepted: FolderDialogs.finish(selectedFolder)
+        onRejected: FolderDialogs.finish("")
+    }
+    Connections {
+        target: FolderDialogs
+        function onRequested(title, message, button, directory) {
+            folderDialog.title = title + " — " + message
+            folderDialog.acceptLabel = button
+            if (directory.toString())
+                folderDialog.currentFolder = directory
+            folderDialog.open()
+        }
+    }
+
+    PlanSheet {}
+    CommandPalette { commands: window.commands }
+
+    Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
+    Shortcut {
+        sequence: StandardKey.Find
+        onActivated: {
+            window.show("search")
+            content.item.begin()
+        }
+    }
+    Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
+    Shortcut { sequence: "F5"; onActivated: App.refresh() }
+    Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
+    Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }
+    Shortcut { sequence: "F6"; onActivated: rows.itemAt(0).activeFocus ? content.forceActiveFocus() : rows.itemAt(0).forceActiveFocus(Qt.TabFocusReason) }
+    Shortcut { sequence: StandardKey.Quit; onActivated: window.close() }
+}

@@ -1,0 +1,124 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Tovi
+import Tovi.Models
+
+/// The state of the library at a glance; every card leads somewhere.
+FocusScope {
+    id: screen
+
+    readonly property string title: qsTr("Overview")
+    readonly property var summary: App.library.librarySummary
+    readonly property int total: summary.total || 0
+
+    Welcome {
+        anchors.fill: parent
+        anchors.margins: 24
+        visible: screen.total === 0
+    }
+    Flickable {
+        anchors.fill: parent
+        visible: screen.total > 0
+        contentHeight: column.implicitHeight + 48
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        ScrollBar.vertical: ScrollBar {}
+
+        ColumnLayout {
+            id: column
+            x: 24
+            y: 24
+            width: parent.width - 48
+            spacing: 16
+
+            ScreenHeader {
+                Layout.fillWidth: true
+                title: screen.title
+                subtitle: App.notices.statusMessage
+                ActionButton {
+                    text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Scan again")
+                    symbol: App.scan.isPaused ? "play" : "arrow.clockwise"
+                    enabled: !App.scan.isIndexing
+                    isPrimary: true
+                    onClicked: App.scan.isPaused ? App.scan.pauseIndexing() : App.scan.rescan()
+                }
+            }
+            GridLayout {
+                Layout.fillWidth: true
+                columns: screen.width > 900 ? 4 : 2
+                columnSpacing: 12
+                rowSpacing: 12
+                Repeater {
+                    model: [
+                        { symbol: "doc", value: Format.count(screen.total), text: qsTr("files indexed"), section: "files" },
+                        { symbol: "folder", value: Format.count(App.folders.roots.count), text: qsTr("connected folders"), section: "settings" },
+                        { symbol: "square.on.square",
+                          value: App.duplicates.hasSearched ? Format.size(App.duplicates.reclaimableBytes) : qsTr("Find"),
+                          text: App.duplicates.hasSearched ? qsTr("in duplicates") : qsTr("exact duplicates"), section: "duplicates" },
+                        { symbol: "clock", value: Format.count(App.plans.actions.count), text: qsTr("changes made"), section: "activity" }
+                    ]
+                    OverviewCard {
+                        required property var modelData
+                        Layout.fillWidth: true
+                        Layout.preferredWidth: 1
+                        symbol: modelData.symbol
+                        value: modelData.value
+                        text: modelData.text
+                        onClicked: App.section = modelData.section
+                    }
+                }
+            }
+            SettingsGroup {
+                Layout.fillWidth: true
+                title: qsTr("By kind")
+                Repeater {
+                    model: screen.summary.kinds || []
+                    AbstractButton {
+                        id: kind
+                        required property var modelData
+                        required property int index
+                        Layout.fillWidth: true
+                        implicitHeight: Theme.rowHeight
+                        Accessible.name: modelData.title + ", " + Format.count(modelData.count)
+                        onClicked: {
+                            App.library.libraryKind = modelData.kind
+                            App.section = "files"
+                        }
+                        background: Rectangle {
+                            radius: Theme.rowRadius
+                            color: kind.hovered ? Theme.hover : "transparent"
+                            FocusRing { control: kind }
+                        }
+                        contentItem: RowLayout {
+                            spacing: 12
+                            AppIcon { symbol: kind.modelData.symbol }
+                            AppText {
+                                Layout.preferredWidth: 110
+                                text: kind.modelData.title
+                                Accessible.ignored: true
+                            }
+                            Item {
+                                Layout.fillWidth: true
+                                implicitHeight: 10
+                                Rectangle {
+                                    width: Math.max(4, parent.width * kind.modelData.count / screen.total)
+                                    height: parent.height
+                                    radius: 5
+                                    color: Theme.chart[kind.index % Theme.chart.length]
+                                }
+                            }
+                            AppText {
+                                Layout.preferredWidth: 80
+                                text: Format.count(kind.modelData.count)
+                                horizontalAlignment: Text.AlignRight
+                                isSecondary: true
+                                Accessible.ignored: true
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,144 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Tovi
+import Tovi.Models
+
+/// Settings, which apply at once.
+FocusScope {
+    id: screen
+
+    readonly property string title: qsTr("Settings")
+
+    Flickable {
+        anchors.fill: parent
+        contentHeight: column.implicitHeight + 48
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        ScrollBar.vertical: ScrollBar {}
+
+        ColumnLayout {
+            id: column
+            x: 24
+            y: 24
+            width: Math.min(parent.width - 48, 760)
+            spacing: 16
+
+            ScreenHeader {
+                Layout.fillWidth: true
+                title: screen.title
+                subtitle: qsTr("Every change applies at once")
+            }
+
+            SettingsGroup {
+                Layout.fillWidth: true
+                title: qsTr("Connected folders")
+                Repeater {
+                    model: App.folders.roots
+                    RowLayout {
+                        id: root
+                        required property string path
+                        required property string name
+                        required property bool available
+                        Layout.fillWidth: true
+                        spacing: 12
+                        AppIcon { symbol: "folder" }
+                        ColumnLayout {
+                            Layout.fillWidth: true
+                            spacing: 0
+                            AppText {
+                                Layout.fillWidth: true
+                                text: root.name
+                                isStrong: true
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                text: root.available ? root.path : qsTr("Not available now: %1").arg(root.path)
+                                elide: Text.ElideMiddle
+                                isSecondary: true
+                                font.pixelSize: Theme.caption
+                            }
+                        }
+                        ActionButton {
+                            text: qsTr("Disconnect")
+                            onClicked: App.removeRoot(root.path)
+                            Accessible.name: qsTr("Disconnect %1").arg(root.name)
+                        }
+                    }
+                }
+                ActionButton {
+                    text: qsTr("Add folder")
+                    symbol: "folder.badge.plus"
+                    isPrimary: true
+                    onClicked: App.folders.presentFolderPicker()
+                }
+            }
+
+            SettingsGroup {
+                Layout.fillWidth: true
+                title: qsTr("What is read")
+                SettingsSwitch {
+                    Layout.fillWidth: true
+                    text: qsTr("Search text inside source code and configuration files")
+                    checked: App.settings.developerMode
+                    onToggled: App.settings.developerMode = checked
+                }
+                AppText { text: qsTr("Names left out, one pattern on a line") }
+                ScrollView {
+                    Layout.fillWidth: true
+                    Layout.preferredHeight: 150
+                    TextArea {
+                        id: patterns
+                        text: App.settings.exclusions
+                        font.family: "monospace"
+                        font.pixelSize: Theme.body
+                        color: Theme.text
+                        selectByMouse: true
+                        Accessible.name: qsTr("Names left out")
+                        KeyNavigation.priority: KeyNavigation.BeforeItem
+                        KeyNavigation.tab: apply
+                        background: Rectangle {
+                            radius: Theme.controlRadius
+                            color: Theme.background
+                            border.width: patterns.activeFocus ? 2 : 1
+                            border.color: patterns.activeFocus ? Theme.accent : Theme.outline
+                        }
+                    }
+                }
+                ActionButton {
+                    id: apply
+                    text: qsTr("Apply and scan again")
+                    enabled: patterns.text !== App.settings.exclusions
+                    onClicked: App.settings.exclusions = patterns.text
+                }
+            }
+
+            SettingsGroup {
+                Layout.fillWidth: true
+                title: qsTr("Appearance")
+                SettingsChoice {
+                    Layout.fillWidth: true
+                    label: qsTr("Theme")
+                    options: [
+                        { value: "minimal", text: qsTr("Minimal") },
+                        { value: "lilac", text: qsTr("Lilac") },
+                        { value: "midnight", text: qsTr("Midnight") }
+                    ]
+                    current: App.settings.themeChoice
+                    onChosen: value => App.settings.themeChoice = value
+                }
+                SettingsChoice {
+                    Layout.fillWidth: true
+                    label: qsTr("Light or dark")
+                    options: [
+                        { value: "light", text: qsTr("Light") },
+                        { value: "dark", text: qsTr("Dark") },
+                        { value: "system", text: qsTr("As the system") }
+                    ]
+                    current: App.settings.appearance
+                    onChosen: value => App.settings.appearance = value
+                }
+            }
+        }
+    }
+}
