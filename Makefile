@@ -28,6 +28,14 @@ release: ## build the optimised programs into build/release/bin
 	cmake --preset release
 	cmake --build --preset release -j $(JOBS)
 
+.PHONY: install
+install: release ## install below PREFIX= (/usr/local) and DESTDIR=
+	cmake --install build/release --prefix "$(or $(PREFIX),/usr/local)"
+
+.PHONY: package
+package: release ## build a Debian package in build/release
+	cd build/release && cpack
+
 .PHONY: tsan
 tsan: ## run the tests under ThreadSanitizer
 	scripts/bootstrap

@@ -1,6 +1,6 @@
 #include "base/Cancelled.h"
 #include "base/Text.h"
-#include "cli/Context.h"
+#include "cli/Commands.h"
 #include "cli/Interruption.h"
 #include "core/records/IntelligenceError.h"
 #include "platform/Sandbox.h"
@@ -35,28 +35,7 @@ int run(int argc, char** argv, Context& context) {
     app.add_option("--data-dir", context.dataDirectory,
                    "Where the index is kept (default: $XDG_DATA_HOME/Ardeno)");
     app.add_flag("--json", context.json, "Print JSON for programs");
-    addIndexCommand(app, context);
-    addSearchCommand(app, context);
-    addAskCommand(app, context);
-    addDownloadsCommand(app, context);
-    addShowCommand(app, context);
-    addStatusCommand(app, context);
-    addForgetCommand(app, context);
-    addClearCommand(app, context);
-    addDuplicatesCommand(app, context);
-    addTrashCommand(app, context);
-    addRenameCommand(app, context);
-    addHistoryCommand(app, context);
-    addUndoCommand(app, context);
-    addPhotosCommand(app, context);
-    addPrivacyCommand(app, context);
-    addVaultCommand(app, context);
-    addCleanupCommand(app, context);
-    addWatchCommand(app, context);
-    addFoldersCommand(app, context);
-    addSearchesCommand(app, context);
-    addSpacesCommand(app, context);
-    addPlanCommand(app, context);
+    addCommands(app, context);
     app.parse_complete_callback([&] {
         context.dataDirectory = context.dataDirectory.empty() ? platform::dataHome() + "/Ardeno"
                                                               : absolutePath(context.dataDirectory);

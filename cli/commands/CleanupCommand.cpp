@@ -1,4 +1,5 @@
 #include "base/Text.h"
+#include "cli/Commands.h"
 #include "cli/Confirmation.h"
 #include "cli/Format.h"
 #include "cli/ProgressLine.h"

@@ -1,4 +1,4 @@
-#include "cli/Context.h"
+#include "cli/Commands.h"
 
 #include <fmt/core.h>
 

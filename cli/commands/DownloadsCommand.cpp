@@ -1,5 +1,5 @@
 #include "base/Text.h"
-#include "cli/Context.h"
+#include "cli/Commands.h"
 #include "cli/Format.h"
 #include "cli/Json.h"
 #include "core/library/DownloadGroups.h"

@@ -1,3 +1,4 @@
+#include "cli/Commands.h"
 #include "cli/Folders.h"
 
 namespace tovi::cli {

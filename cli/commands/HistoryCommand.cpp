@@ -1,3 +1,4 @@
+#include "cli/Commands.h"
 #include "cli/FileActions.h"
 #include "cli/Receipts.h"
 #include "core/actions/ActionJson.h"

@@ -1,4 +1,5 @@
 #include "base/Text.h"
+#include "cli/Commands.h"
 #include "cli/FileActions.h"
 #include "cli/Format.h"
 #include "cli/Json.h"

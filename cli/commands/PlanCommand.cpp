@@ -1,4 +1,5 @@
 #include "app/model/PlanInstruction.h"
+#include "cli/Commands.h"
 #include "cli/FileActions.h"
 
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "cli/Context.h"
+#include "cli/Commands.h"
 #include "cli/Format.h"
 #include "decoder/client/DecoderPool.h"
 #include "platform/Sandbox.h"

@@ -1,3 +1,4 @@
+#include "cli/Commands.h"
 #include "cli/FileActions.h"
 
 namespace tovi::cli {

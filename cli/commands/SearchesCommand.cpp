@@ -1,5 +1,5 @@
 #include "base/Text.h"
-#include "cli/Context.h"
+#include "cli/Commands.h"
 #include "cli/ModelSession.h"
 
 #include <algorithm>

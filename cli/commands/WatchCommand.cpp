@@ -1,6 +1,7 @@
 #include "app/lists/QtConversions.h"
 #include "base/Cancelled.h"
 #include "base/Text.h"
+#include "cli/Commands.h"
 #include "cli/Format.h"
 #include "cli/ModelSession.h"
 

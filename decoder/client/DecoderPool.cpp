@@ -104,7 +104,17 @@ std::string DecoderPool::readPictureText(const FileDescriptor& file, int maximum
 
 DecodedPicture DecoderPool::decodePicture(const FileDescriptor& file, int maximumSide,
                                           const std::stop_token& stop) {
-    const Request request{Task::picturePixels, 0, 0, bounded(maximumSide, maximumPixelsSide)};
+    return pixels(Task::picturePixels, file, maximumSide, stop);
+}
+
+DecodedPicture DecoderPool::drawPdfPage(const FileDescriptor& file, int side,
+                                        const std::stop_token& stop) {
+    return pixels(Task::pdfPixels, file, side, stop);
+}
+
+DecodedPicture DecoderPool::pixels(Task task, const FileDescriptor& file, int side,
+                                   const std::stop_token& stop) {
+    const Request request{task, 0, 0, bounded(side, maximumPixelsSide)};
     Answer answer = decode(request, file, options_.pixels, stop);
     const auto& done = std::get<PixelsDone>(answer.reply);
     return {static_cast<int>(done.width), static_cast<int>(done.height), std::move(answer.bytes),
@@ -141,7 +151,8 @@ DecoderPool::Answer DecoderPool::decode(const Request& request, const FileDescri
         giveBack(request.task, std::move(process));
         if (const auto* failed = std::get_if<Failed>(&answer.reply)) {
             const std::string sentence = printable(answer.bytes);
-            if (failed->wrongFormat && request.task == Task::pdfText)
+            if (failed->wrongFormat &&
+                (request.task == Task::pdfText || request.task == Task::pdfPixels))
                 throw IntelligenceError::inaccessible(sentence);
             throw DecodingError(sentence);
         }

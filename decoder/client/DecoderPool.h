@@ -56,6 +56,11 @@ class DecoderPool final : public PdfReader, public PictureTextReader, public Pic
     DecodedPicture decodePicture(const FileDescriptor& file, int maximumSide,
                                  const std::stop_token& stop) override;
 
+    /// The first page of a PDF on white, drawn so that its longer side has `side` pixels, 2048 at
+    /// most. Letters of fonts that the document does not bring along are left out. Throws
+    /// `IntelligenceError` for what is not a PDF.
+    DecodedPicture drawPdfPage(const FileDescriptor& file, int side, const std::stop_token& stop);
+
     /// Starts a decoder and asks it, and the kernel about it, how it is confined.
     Confinement confinement(const std::stop_token& stop);
 
@@ -77,6 +82,8 @@ class DecoderPool final : public PdfReader, public PictureTextReader, public Pic
     };
     class Turn;
 
+    DecodedPicture pixels(Task task, const FileDescriptor& file, int side,
+                          const std::stop_token& stop);
     Answer decode(const Request& request, const FileDescriptor& file,
                   const DecoderProcess::Patience& patience, const std::stop_token& stop);
     Started start(Task task, const std::stop_token& stop);

@@ -1,5 +1,6 @@
 #include "decoder/process/Service.h"
 
+#include "decoder/process/PdfPage.h"
 #include "decoder/process/PdfText.h"
 #include "decoder/process/Picture.h"
 #include "decoder/process/PictureText.h"
@@ -67,8 +68,7 @@ Reply recognise(const Bytes& bytes, const Request& request, std::span<std::byte>
     return TextDone{put(text, result)};
 }
 
-Reply readPixels(const Bytes& bytes, const Request& request, std::span<std::byte> result) {
-    const Picture picture = loadPicture(bytes, static_cast<int>(request.maximumSide), Colours::rgb);
+Reply putPixels(const Picture& picture, std::span<std::byte> result) {
     std::memcpy(result.data(), picture.pixels.data(), picture.pixels.size());
     return PixelsDone{static_cast<std::uint32_t>(picture.width),
                       static_cast<std::uint32_t>(picture.height),
@@ -86,9 +86,12 @@ Reply answer(const Request& request, FileDescriptor file, int socket, std::span<
         case Task::pictureText:
             return recognise(bytes, request, result);
         case Task::picturePixels:
+            return putPixels(
+                loadPicture(bytes, static_cast<int>(request.maximumSide), Colours::rgb), result);
+        case Task::pdfPixels:
             break;
         }
-        return readPixels(bytes, request, result);
+        return putPixels(drawFirstPage(bytes, static_cast<int>(request.maximumSide)), result);
     } catch (const WrongFormat& error) {
         return fail(true, error.what(), result);
     } catch (const std::bad_alloc&) {
@@ -103,6 +106,7 @@ Reply answer(const Request& request, FileDescriptor file, int socket, std::span<
 void prepare(Task task) {
     switch (task) {
     case Task::pdfText:
+    case Task::pdfPixels:
         return preparePdfText();
     case Task::pictureText:
         preparePictures();

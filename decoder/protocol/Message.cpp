@@ -109,13 +109,16 @@ std::string_view nameOf(Task task) {
     case Task::pictureText:
         return "picture-text";
     case Task::picturePixels:
+        return "picture-pixels";
+    case Task::pdfPixels:
         break;
     }
-    return "picture-pixels";
+    return "pdf-pixels";
 }
 
 std::optional<Task> taskNamed(std::string_view name) {
-    for (const Task task : {Task::pdfText, Task::pictureText, Task::picturePixels}) {
+    for (const Task task :
+         {Task::pdfText, Task::pictureText, Task::picturePixels, Task::pdfPixels}) {
         if (name == nameOf(task)) return task;
     }
     return std::nullopt;
@@ -145,6 +148,7 @@ std::optional<Request> parseRequest(std::span<const std::byte> bytes) {
         if (f[0] != 0 || f[2] == 0 || f[2] > maximumRecognisedSide) return std::nullopt;
         break;
     case Task::picturePixels:
+    case Task::pdfPixels:
         if (f[0] != 0 || f[1] != 0 || f[2] == 0 || f[2] > maximumPixelsSide) return std::nullopt;
         break;
     default:
@@ -175,6 +179,7 @@ bool answers(const Reply& reply, const Request& request, std::uint32_t pagesBefo
     case Task::pictureText:
         return std::holds_alternative<TextDone>(reply);
     case Task::picturePixels:
+    case Task::pdfPixels:
         if (const auto* done = std::get_if<PixelsDone>(&reply))
             return std::max(done->width, done->height) <= request.maximumSide;
         return false;

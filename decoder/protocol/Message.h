@@ -37,7 +37,7 @@ inline constexpr int socketDescriptor = 3;
 inline constexpr int resultDescriptor = 4;
 
 /// A decoder serves one task from its start to its end, named by its only argument.
-enum class Task : std::uint16_t { pdfText = 1, pictureText = 2, picturePixels = 3 };
+enum class Task : std::uint16_t { pdfText = 1, pictureText = 2, picturePixels = 3, pdfPixels = 4 };
 
 std::string_view nameOf(Task task);
 std::optional<Task> taskNamed(std::string_view name);
@@ -46,7 +46,7 @@ struct Request {
     Task task = Task::pdfText;
     std::uint32_t maximumPages = 0;      // of a PDF
     std::uint32_t maximumCharacters = 0; // of text, as a person sees them
-    std::uint32_t maximumSide = 0;       // of a picture, in pixels
+    std::uint32_t maximumSide = 0;       // of a picture or a page, in pixels
 
     bool operator==(const Request&) const = default;
 };

@@ -14,6 +14,7 @@ const std::vector<Request> requests = {
     {Task::pdfText, 100, 200'000, 0},
     {Task::pictureText, 0, 200'000, 2400},
     {Task::picturePixels, 0, 0, maximumPixelsSide},
+    {Task::pdfPixels, 0, 0, 1},
 };
 const std::vector<Reply> replies = {
     Ready{7},
