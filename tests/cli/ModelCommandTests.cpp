@@ -78,7 +78,9 @@ TEST_F(ModelCommandTest, FollowChangesUntilTheyAreToldToStop) {
             for (Json event; event.value("files", -1) != count;) {
                 event = Json::parse(watch.nextLine(), nullptr, false);
                 if (!event.is_object()) return false;
-                if (event["event"] == "freshness") EXPECT_EQ(event["root"], tree.path());
+                if (event["event"] == "freshness") {
+                    EXPECT_EQ(event["root"], tree.path());
+                }
             }
             return true;
         };
