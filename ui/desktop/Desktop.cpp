@@ -1,5 +1,6 @@
 #include "ui/desktop/Desktop.h"
 
+#include "app/cleanup/CleanupModel.h"
 #include "app/model/AppModel.h"
 #include "app/monitor/FolderMonitor.h"
 #include "app/runtime/Runtime.h"
@@ -92,9 +93,19 @@ int run(const CommandLine& commandLine, const Launcher& launcher) {
              }},
         {.dataDirectory = commandLine.dataDirectory(),
          .isDataDirectoryGiven = commandLine.isDataDirectoryGiven()});
+    CleanupFolders cleanupFolders{platform::homeDirectory(), platform::cacheHome()};
+    if (const auto downloads = platform::downloadsDirectory())
+        cleanupFolders.downloads.push_back(*downloads);
+    CleanupModel cleanup(model, {.executor = runtime.executor(),
+                                 .actions = runtime.actions(),
+                                 .programs = runtime.programs(),
+                                 .dataHome = platform::dataHome(),
+                                 .dataDirectory = commandLine.dataDirectory(),
+                                 .folders = cleanupFolders});
     if (!commandLine.section().isEmpty()) model.setSection(commandLine.section());
 
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model);
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Cleanup", &cleanup);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker);
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral(":/qt/qml"));
