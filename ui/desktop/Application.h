@@ -1,8 +1,10 @@
 #pragma once
 
-#include "app/model/AppModel.h"
+#include "app/cleanup/CleanupModel.h"
 #include "app/runtime/Runtime.h"
+#include "app/vault/SessionLock.h"
 #include "ui/desktop/DesktopPorts.h"
+#include "ui/desktop/VaultDialogs.h"
 
 #include <QQmlApplicationEngine>
 
@@ -24,6 +26,8 @@ class Application {
     Application(const Options& options, FileOpener& opener);
 
     AppModel& model() { return model_; }
+    CleanupModel& cleanup() { return cleanup_; }
+    VaultModel& vault() { return vault_; }
     /// None if the screens could not be loaded.
     QQuickWindow* window() const;
 
@@ -31,7 +35,12 @@ class Application {
     Runtime runtime_;
     WindowFolderPicker folderPicker_;
     SystemClipboard clipboard_;
+    VaultDialogs vaultDialogs_;
     AppModel model_;
+    CleanupModel cleanup_;
+    VaultModel vault_;
+    std::unique_ptr<platform::SessionSignals> session_;
+    SessionLock sessionLock_;
     QQmlApplicationEngine engine_;
 };
 
