@@ -120,9 +120,9 @@ void VaultModel::authenticate(const QString& password, bool creating) {
     operate(
         creating ? QStringLiteral("Creating your encrypted vault…")
                  : QStringLiteral("Unlocking your vault…"),
-        [store = store_, creating,
-         password = std::make_unique<Password>(password)](const std::stop_token& stop) mutable {
-            const std::unique_ptr<Password> secret = std::move(password); // wiped with this call
+        [store = store_, creating, password = std::make_shared<const Password>(password)](
+            const std::stop_token& stop) mutable {
+            const auto secret = std::move(password); // wiped with this call
             return creating ? store->create(secret->text(), stop) : store->unlock(secret->text());
         },
         [this](Outcome<std::vector<VaultItem>>& items) {
@@ -156,8 +156,9 @@ void VaultModel::chooseFiles() {
     surroundings_.panels.chooseFiles(
         {"Add encrypted copies", "Choose files of any type. Originals stay where they are. Zip "
                                  "folders before adding them."},
-        [self = QPointer<VaultModel>(this), panel = openPanel()](std::vector<std::string> paths) {
-            if (self && self->closePanel(panel)) self->importFiles(std::move(paths));
+        [self = QPointer<VaultModel>(this),
+         panel = openPanel()](const std::vector<std::string>& paths) {
+            if (self && self->closePanel(panel)) self->importFiles(paths);
         });
 }
 
