@@ -69,7 +69,7 @@ Card {
                     { label: qsTr("Downloaded"), text: Format.dateTime(details.value("downloadedAt")) },
                     { label: qsTr("From"), text: details.value("sourceURL") },
                     { label: qsTr("Text"), text: details.value("contentStatus") },
-                    { label: qsTr("Where"), text: details.value("folder") }
+                    { label: qsTr("Where"), text: Format.path(details.value("folder") || "") }
                 ]
                 ColumnLayout {
                     required property var modelData

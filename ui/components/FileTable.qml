@@ -104,6 +104,7 @@ FocusScope {
         anchors.fill: parent
         anchors.topMargin: header.height + 1
         focus: true
+        activeFocusOnTab: true
         clip: true
         model: table.files
         reuseItems: true
@@ -132,8 +133,6 @@ FocusScope {
                     event.modifiers & Qt.ControlModifier ? App.reveal(table.currentPath)
                                                          : App.open(table.currentPath)
                 return
-            case Qt.Key_Space:
-                return table.choose(currentIndex, event.modifiers)
             case Qt.Key_F2:
                 if (table.currentPath)
                     table.renameRequested(table.currentPath)
@@ -176,6 +175,7 @@ FocusScope {
             height: Theme.rowHeight
             padding: 0
             focusPolicy: Qt.NoFocus
+            Keys.onSpacePressed: event => table.choose(row.index, event.modifiers)
             Accessible.role: Accessible.ListItem
             Accessible.name: name
             Accessible.description: qsTr("%1, %2, %3, row %4 of %5").arg(kindTitle)
@@ -217,7 +217,7 @@ FocusScope {
                     AppText {
                         visible: table.showsFolder
                         Layout.preferredWidth: 200
-                        text: row.folder
+                        text: Format.path(row.folder)
                         elide: Text.ElideMiddle
                         isSecondary: true
                     }

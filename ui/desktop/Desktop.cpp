@@ -1,26 +1,16 @@
 #include "ui/desktop/Desktop.h"
 
-#include "app/cleanup/CleanupModel.h"
-#include "app/model/AppModel.h"
-#include "app/monitor/FolderMonitor.h"
-#include "app/runtime/Runtime.h"
 #include "base/Text.h"
 #include "platform/Sandbox.h"
 #include "platform/StandardLocations.h"
-#include "ui/desktop/DesktopPorts.h"
+#include "ui/desktop/Application.h"
 
 #include <QCommandLineParser>
 #include <QFile>
 #include <QGuiApplication>
 #include <QIcon>
-#include <QQmlApplicationEngine>
-#include <QQuickStyle>
 #include <cstdio>
 #include <filesystem>
-
-#include <QtQml/qqmlextensionplugin.h>
-
-Q_IMPORT_QML_PLUGIN(ToviPlugin)
 
 namespace tovi {
 namespace {
@@ -37,7 +27,7 @@ class CommandLine {
     CommandLine() {
         parser_.setApplicationDescription(
             QStringLiteral("Tovi, a private file companion for the desktop."));
-        parser_.addOptions({dataDirectory_, section_});
+        parser_.addOptions({dataDirectory_, section_, checkPrivacy_});
     }
 
     /// Prints help or version, which need no display, and ends the program if they are asked for.
@@ -46,6 +36,8 @@ class CommandLine {
         if (parser_.isSet(help_)) parser_.showHelp();
         if (parser_.isSet(version_)) parser_.showVersion();
     }
+
+    bool isPrivacyCheckWanted() const { return parser_.isSet(checkPrivacy_); }
 
     /// Ends the program with a sentence if the line is wrong.
     void read(const QCoreApplication& application) { parser_.process(application); }
@@ -66,54 +58,21 @@ class CommandLine {
     const QCommandLineOption section_{QStringLiteral("section"),
                                       QStringLiteral("The screen to show first."),
                                       QStringLiteral("name")};
+    const QCommandLineOption checkPrivacy_{
+        QStringLiteral("check-privacy"),
+        QStringLiteral("Try to make an internet socket, as the window could, and end.")};
     const QCommandLineOption help_ = parser_.addHelpOption();
     const QCommandLineOption version_ = parser_.addVersionOption();
 };
 
-std::string decoderPath() {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "tovi-decoder";
+int checkPrivacy() {
+    const bool isRefused = !platform::canMakeInternetSocket();
+    std::printf("Refused to make internet sockets: %s\n", isRefused ? "yes" : "NO");
+    return isRefused ? 0 : 1;
 }
 
-/// Builds the real objects, shows the window and runs until it is closed.
-int run(const CommandLine& commandLine, const Launcher& launcher) {
-    Runtime runtime(decoderPath());
-    WindowFolderPicker folderPicker;
-    SystemClipboard clipboard;
-    SystemFileOpener opener(launcher);
-    AppModel model(
-        {.executor = runtime.executor(),
-         .indexer = runtime.indexer(),
-         .actions = runtime.actions(),
-         .folderPicker = folderPicker,
-         .clipboard = clipboard,
-         .opener = opener,
-         .makeMonitor =
-             [&runtime](std::function<void()> changed) {
-                 return monitorSystemFolders(runtime.executor(), {std::move(changed), {}});
-             }},
-        {.dataDirectory = commandLine.dataDirectory(),
-         .isDataDirectoryGiven = commandLine.isDataDirectoryGiven()});
-    CleanupFolders cleanupFolders{platform::homeDirectory(), platform::cacheHome()};
-    if (const auto downloads = platform::downloadsDirectory())
-        cleanupFolders.downloads.push_back(*downloads);
-    CleanupModel cleanup(model, {.executor = runtime.executor(),
-                                 .actions = runtime.actions(),
-                                 .programs = runtime.programs(),
-                                 .dataHome = platform::dataHome(),
-                                 .dataDirectory = commandLine.dataDirectory(),
-                                 .folders = cleanupFolders});
-    if (!commandLine.section().isEmpty()) model.setSection(commandLine.section());
-
-    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model);
-    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Cleanup", &cleanup);
-    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker);
-    QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral(":/qt/qml"));
-    engine.setInitialProperties(
-        {{QStringLiteral("dataDirectory"),
-          QFile::decodeName(QByteArray::fromStdString(commandLine.dataDirectory()))}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
-    return engine.rootObjects().isEmpty() ? 1 : QCoreApplication::exec();
+std::string decoderPath() {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "tovi-decoder";
 }
 
 } // namespace
@@ -124,15 +83,21 @@ int runDesktop(int argc, char** argv) {
         platform::refuseInternetSockets();
         QCoreApplication::setApplicationName(QStringLiteral("tovi"));
         QCoreApplication::setApplicationVersion(QStringLiteral(TOVI_VERSION));
-        QQuickStyle::setStyle(QStringLiteral("Basic"));
         CommandLine commandLine;
         commandLine.answer(argumentsOf(argc, argv));
+        if (commandLine.isPrivacyCheckWanted()) return checkPrivacy();
         QGuiApplication application(argc, argv);
         commandLine.read(application);
         QGuiApplication::setDesktopFileName(QStringLiteral("app.ardeno.Tovi"));
         QGuiApplication::setApplicationDisplayName(QStringLiteral("Tovi"));
         QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/qt/qml/Tovi/icons/tovi.svg")));
-        return run(commandLine, launcher);
+        SystemFileOpener opener(launcher);
+        const Application desktop({.dataDirectory = commandLine.dataDirectory(),
+                                   .isDataDirectoryGiven = commandLine.isDataDirectoryGiven(),
+                                   .decoderProgram = decoderPath(),
+                                   .section = commandLine.section()},
+                                  opener);
+        return desktop.window() ? QCoreApplication::exec() : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", printable(error.what()).c_str());
         return 1;

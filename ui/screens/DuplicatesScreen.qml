@@ -135,7 +135,7 @@ FocusScope {
                             AppIcon { symbol: modelData.symbol }
                             AppText {
                                 Layout.fillWidth: true
-                                text: modelData.path
+                                text: Format.path(modelData.path)
                                 elide: Text.ElideMiddle
                             }
                             AppText {

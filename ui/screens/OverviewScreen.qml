@@ -102,6 +102,7 @@ FocusScope {
                                 Layout.fillWidth: true
                                 implicitHeight: 10
                                 Rectangle {
+                                    anchors.left: parent.left
                                     width: Math.max(4, parent.width * kind.modelData.count / screen.total)
                                     height: parent.height
                                     radius: 5

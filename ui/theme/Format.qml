@@ -4,6 +4,13 @@ import QtQuick
 
 /// Sizes, dates and counts as people read them, in the user's language.
 QtObject {
+    /// The folder that "~" stands for; set by the window.
+    property string home: ""
+
+    function path(value) {
+        return home !== "" && (value + "/").startsWith(home + "/") ? "~" + value.substring(home.length) : value
+    }
+
     function size(bytes) {
         return Qt.locale().formattedDataSize(bytes, bytes < 1000 ? 0 : 1, Locale.DataSizeSIFormat)
     }
