@@ -20,10 +20,12 @@ ApplicationWindow {
         { id: "graph", text: qsTr("Graph"), symbol: "point.3.connected.trianglepath.dotted", screen: "screens/GraphScreen.qml" },
         { id: "downloads", text: qsTr("Downloads"), symbol: "arrow.down.circle", screen: "screens/DownloadsScreen.qml" },
         { id: "duplicates", text: qsTr("Duplicates"), symbol: "square.on.square", screen: "screens/DuplicatesScreen.qml" },
+        { id: "storage", text: qsTr("Storage"), symbol: "externaldrive", screen: "screens/StorageScreen.qml" },
         { id: "activity", text: qsTr("Activity"), symbol: "clock", screen: "screens/ActivityScreen.qml" },
         { id: "settings", text: qsTr("Settings"), symbol: "gearshape", screen: "screens/SettingsScreen.qml" },
         { id: "models", text: qsTr("Models"), symbol: "cpu", screen: "screens/ModelsScreen.qml" },
-        { id: "privacy", text: qsTr("Privacy"), symbol: "lock.shield", screen: "screens/PrivacyScreen.qml" }
+        { id: "privacy", text: qsTr("Privacy"), symbol: "lock.shield", screen: "screens/PrivacyScreen.qml" },
+        { id: "vault", text: qsTr("Vault"), symbol: "lock", screen: "screens/VaultScreen.qml" }
     ]
     readonly property var current: sections.find(section => section.id === App.section) || sections[1]
     readonly property var commands: sections.map(section => ({
@@ -32,7 +34,8 @@ ApplicationWindow {
         { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
         { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
         { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
-          symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() }
+          symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
+        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.open() }
     ])
     property var visited: []
 
@@ -41,6 +44,19 @@ ApplicationWindow {
             return
         visited = visited.concat([App.section]).slice(-50)
         App.section = section
+    }
+    /// Scrolls so that what has the keyboard is seen.
+    function follow(item) {
+        for (let at = item ? item.parent : null; at; at = at.parent) {
+            if (!(at instanceof Flickable))
+                continue
+            const top = item.mapToItem(at.contentItem, 0, 0).y
+            if (top < at.contentY)
+                at.contentY = Math.max(at.originY, top - 16)
+            else if (top + item.height > at.contentY + at.height && item.height < at.height)
+                at.contentY = Math.min(top + item.height + 16, at.contentHeight + at.originY) - at.height
+            return
+        }
     }
     function goBack() {
         if (visited.length === 0)
@@ -211,6 +227,13 @@ ApplicationWindow {
         }
     }
     Connections {
+        target: Cleanup
+        function onExecuted(receipt) {
+            toast.receipt = ""
+            toast.show(App.notices.statusMessage, "")
+        }
+    }
+    Connections {
         target: App.copyText
         function onChanged() {
             if (App.copyText.copyTextMessage) {
@@ -237,7 +260,13 @@ ApplicationWindow {
         }
     }
 
+    onActiveFocusItemChanged: follow(activeFocusItem)
+    onClosing: Vault.windowClosed()
+
     PlanSheet {}
+    ShortcutsSheet { id: shortcuts }
+    VaultPanels {}
+    CleanupSheet {}
     CommandPalette { commands: window.commands }
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
@@ -250,6 +279,7 @@ ApplicationWindow {
     }
     Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
     Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
+    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }

@@ -49,6 +49,8 @@ int main(int argc, char** argv) {
     qputenv("TOVI_OPENED", QByteArray::fromStdString(home.path("opened")));
     qputenv("HOME", QByteArray::fromStdString(home.path()));
     qputenv("XDG_DATA_HOME", QByteArray::fromStdString(home.makeDirectory("data")));
+    home.makeDirectory("Documents");
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");

@@ -80,13 +80,23 @@ class Window : public testing::Test {
             QTest::keyClick(window(), letter.toLatin1());
     }
 
-    static QString nameOf(QObject* object) {
-        QAccessibleInterface* told =
-            object ? QAccessible::queryAccessibleInterface(object) : nullptr;
-        return told ? told->text(QAccessible::Name) : QString();
+    static QString nameOf(QAccessibleInterface* told) {
+        return told->text(told->state().passwordEdit ? QAccessible::Description
+                                                     : QAccessible::Name);
     }
 
-    QString focused() { return nameOf(window()->activeFocusItem()); }
+    static QString nameOf(const QQuickItem* item) {
+        auto* told = QAccessible::queryAccessibleInterface(const_cast<QQuickItem*>(item));
+        return told ? nameOf(told) : QString();
+    }
+
+    /// The name of what has the keyboard, or of the control that it is a part of.
+    QString focused() {
+        const QQuickItem* item = window()->activeFocusItem();
+        while (item->parentItem() && nameOf(item).isEmpty())
+            item = item->parentItem();
+        return nameOf(item);
+    }
 
     /// Everything that is told of what is visible.
     std::vector<QAccessibleInterface*> told() {
@@ -106,7 +116,9 @@ class Window : public testing::Test {
     bool isTold(const QString& text) {
         const auto all = told();
         return std::any_of(all.begin(), all.end(), [&](QAccessibleInterface* each) {
-            return each->text(QAccessible::Name).contains(text);
+            return (each->text(QAccessible::Name) + each->text(QAccessible::Value) +
+                    each->text(QAccessible::Description))
+                .contains(text);
         });
     }
 
@@ -142,7 +154,7 @@ class Window : public testing::Test {
         SCOPED_TRACE(section.toStdString());
         std::multiset<QString> unreached;
         for (QAccessibleInterface* each : told()) {
-            const QString name = each->text(QAccessible::Name);
+            const QString name = nameOf(each);
             EXPECT_FALSE(needsName(each->role()) && name.isEmpty())
                 << "no name: " << each->role() << " " << each->object()->metaObject()->className();
             if (isControl(each->role()) && each->object()->property("enabled").toBool())
@@ -236,6 +248,96 @@ TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
     key(Qt::Key_Z, Qt::ControlModifier);
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(lease); }))
         << focused().toStdString() << model().notices()->errorMessage().toStdString();
+}
+
+TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
+    const std::string installer = files_.write("studio.dmg", "an old installer");
+    files_.setModified("studio.dmg", Date::now().seconds - 40 * 86'400);
+    open();
+    connectFolder(files_.path());
+    waitForFiles(1);
+    model().setSection(QStringLiteral("storage"));
+    application_->cleanup().scan();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return application_->cleanup().candidates()->count() == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !application_->cleanup().isScanning(); }));
+    checkScreen(QStringLiteral("storage"));
+    tabTo(QStringLiteral("Installers"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("studio.dmg")); }));
+    tabTo(QStringLiteral("studio.dmg"));
+    key(Qt::Key_Space);
+    tabTo(QStringLiteral("Review 1 item, 16 bytes…"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }))
+        << model().notices()->errorMessage().toStdString();
+    tabTo(QStringLiteral("Move 1 item to Trash"));
+    EXPECT_EQ(window()->activeFocusItem()->objectName(), QStringLiteral("cleanup-confirm-trash"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !std::filesystem::exists(installer); }));
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Cancel")); }));
+    tabTo(QStringLiteral("History"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Undo")); }));
+    tabTo(QStringLiteral("Undo"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(installer); }));
+}
+
+TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
+    const std::string letter = files_.write("letter.txt", "dear diary");
+    const QString password = QStringLiteral("plum cake on sunday");
+    const auto isUnlocked = [&] {
+        return application_->vault().phase() == VaultModel::Phase::unlocked;
+    };
+    open();
+    model().setSection(QStringLiteral("vault"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Meet your Vault.")); }));
+    checkScreen(QStringLiteral("a new vault"));
+    tabTo(QStringLiteral("Create a vault password"));
+    type(password);
+    EXPECT_FALSE(isTold(QStringLiteral("plum")));
+    key(Qt::Key_Return);
+    type(password);
+    key(Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor(isUnlocked, 30'000))
+        << application_->vault().errorMessage().toStdString();
+
+    application_->vault().importFiles({letter});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("letter.txt")); }));
+    checkScreen(QStringLiteral("an open vault"));
+    tabTo(QStringLiteral("Export letter.txt"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return window()->activeFocusItem()->objectName() == QStringLiteral("vault-export-filename");
+    }));
+    key(Qt::Key_Return);
+    const std::string copy = uiProcess().home.path("Documents/letter.txt");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(copy); }));
+    EXPECT_EQ(test::readFile(copy), "dear diary");
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Cancel")); }));
+    tabTo(QStringLiteral("Lock now"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Your vault is locked.")); }));
+    EXPECT_FALSE(isTold(QStringLiteral("letter.txt")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !application_->vault().isBusy(); }));
+    tabTo(QStringLiteral("Vault password"));
+    type(QStringLiteral("plum tart"));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return !application_->vault().errorMessage().isEmpty(); }, 30'000));
+    EXPECT_EQ(focused(), QStringLiteral("Vault password"));
+    type(password); // the wrong one is selected, so this replaces it
+    key(Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor(isUnlocked, 30'000));
+
+    window()->close();
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return application_->vault().lockReason() ==
+               QStringLiteral("Locked when the window closed.");
+    }));
 }
 
 } // namespace

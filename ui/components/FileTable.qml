@@ -110,6 +110,7 @@ FocusScope {
         anchors.fill: parent
         anchors.topMargin: header.height + 1
         focus: true
+        activeFocusOnTab: true
         clip: true
         model: table.files
         reuseItems: true

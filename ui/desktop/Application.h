@@ -1,9 +1,11 @@
 #pragma once
 
-#include "app/model/AppModel.h"
+#include "app/cleanup/CleanupModel.h"
 #include "app/runtime/Runtime.h"
+#include "app/vault/SessionLock.h"
 #include "ui/desktop/DesktopPorts.h"
 #include "ui/desktop/ScreenModels.h"
+#include "ui/desktop/VaultDialogs.h"
 
 #include <QQmlApplicationEngine>
 
@@ -25,6 +27,8 @@ class Application {
     Application(const Options& options, FileOpener& opener);
 
     AppModel& model() { return model_; }
+    CleanupModel& cleanup() { return cleanup_; }
+    VaultModel& vault() { return vault_; }
     /// None if the screens could not be loaded.
     QQuickWindow* window() const;
 
@@ -32,8 +36,13 @@ class Application {
     Runtime runtime_;
     WindowFolderPicker folderPicker_;
     SystemClipboard clipboard_;
+    VaultDialogs vaultDialogs_;
     AppModel model_;
     ScreenModels screens_{model_, runtime_};
+    CleanupModel cleanup_;
+    VaultModel vault_;
+    std::unique_ptr<platform::SessionSignals> session_;
+    SessionLock sessionLock_;
     QQmlApplicationEngine engine_;
 };
 

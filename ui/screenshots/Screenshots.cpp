@@ -41,6 +41,7 @@ class Photographer {
     Photographer(Application& application, QString outDirectory, QString suffix)
         : application_(application), out_(std::move(outDirectory)), suffix_(std::move(suffix)) {}
 
+    CleanupModel& cleanup() { return application_.cleanup(); }
     AppModel& model() { return application_.model(); }
 
     void connect(const QString& folder) {
@@ -129,6 +130,12 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
                  waitFor([&] { return plans.receipts().size() > before && !plans.isExecuting(); });
              }
              at.show(QStringLiteral("activity"));
+         }},
+        {QStringLiteral("storage"),
+         [](Photographer& at) {
+             at.show(QStringLiteral("storage"));
+             at.cleanup().scan();
+             waitFor([&] { return !at.cleanup().isScanning() && at.cleanup().hasReport(); });
          }},
         {QStringLiteral("palette"),
          [](Photographer& at) { at.model().setShowCommandPalette(true); }},
