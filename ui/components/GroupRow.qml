@@ -7,9 +7,11 @@ NavigationRow {
     id: row
 
     required property string detail
+    /// Whether Tab leads here: one row of a list, from which the arrow keys go on.
+    property bool isEntry: false
 
     rightPadding: 12
-    focusPolicy: Qt.StrongFocus
+    focusPolicy: isEntry || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     contentItem: RowLayout {
         spacing: 10
         AppIcon {

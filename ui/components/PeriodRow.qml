@@ -7,13 +7,15 @@ NavigationRow {
     id: row
 
     required property string detail
+    /// Whether Tab leads here: one row of a list, from which the arrow keys go on.
+    property bool isEntry: false
     /// Of the longest bar, from 0 to 1.
     required property double share
 
     symbol: ""
     rightPadding: 12
     implicitHeight: Theme.rowHeight + 10
-    focusPolicy: Qt.StrongFocus
+    focusPolicy: isEntry || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     contentItem: ColumnLayout {
         spacing: 4
         RowLayout {

@@ -14,8 +14,9 @@ AbstractButton {
     readonly property string measures: qsTr("%1 × %2").arg(photo.width).arg(photo.height)
 
     implicitWidth: 208
-    implicitHeight: 272
+    implicitHeight: 292
     padding: 10
+    topPadding: 40
     Accessible.role: Accessible.CheckBox
     Accessible.name: photo.name
     Accessible.checked: isMarked
@@ -36,7 +37,7 @@ AbstractButton {
         spacing: 4
         FilePicture {
             Layout.fillWidth: true
-            Layout.preferredHeight: 142
+            Layout.preferredHeight: 132
             path: tile.photo.path
             kind: tile.photo.kind
             symbol: tile.photo.symbol

@@ -66,7 +66,9 @@ FocusScope {
                     anchors.margins: 8
                     spacing: 2
                     GroupRow {
+                        id: latest
                         Layout.fillWidth: true
+                        isEntry: true
                         text: qsTr("Latest")
                         symbol: "clock"
                         detail: ""
@@ -102,12 +104,17 @@ FocusScope {
                             text: name
                             detail: Format.count(count)
                             isCurrent: Downloads.selectedGroup === id
+                            isEntry: ListView.isCurrentItem
                             Accessible.description: qsTr("%1, %2, row %3 of %4")
                                 .arg(Format.counted(count, qsTr("file"), qsTr("files"))).arg(Format.size(bytes))
                                 .arg(index + 1).arg(groups.count)
-                            onClicked: Downloads.selectedGroup = id
+                            onClicked: {
+                                groups.currentIndex = index
+                                Downloads.selectedGroup = id
+                            }
                             Keys.onDownPressed: groups.focusRow(Math.min(index + 1, groups.count - 1))
-                            Keys.onUpPressed: groups.focusRow(Math.max(index - 1, 0))
+                            Keys.onUpPressed: index > 0 ? groups.focusRow(index - 1)
+                                                        : latest.forceActiveFocus(Qt.BacktabFocusReason)
                         }
                     }
                 }

@@ -132,7 +132,7 @@ FocusScope {
                 }
             }
             Card {
-                SplitView.preferredWidth: 330
+                SplitView.preferredWidth: screen.width > 900 ? 330 : 250
                 SplitView.minimumWidth: 240
                 ListView {
                     id: list

@@ -104,7 +104,7 @@ FocusScope {
             handle: Item { implicitWidth: 16 }
 
             Card {
-                SplitView.preferredWidth: 290
+                SplitView.preferredWidth: screen.width > 900 ? 290 : 230
                 SplitView.minimumWidth: 220
                 ListView {
                     id: periods
@@ -134,11 +134,15 @@ FocusScope {
                         text: Format.period(id, Timeline.unit)
                         detail: Format.count(count)
                         share: count / screen.mostFiles
+                        isEntry: ListView.isCurrentItem
                         isCurrent: Timeline.before.getTime() === end.getTime()
                         Accessible.description: qsTr("%1, %2, row %3 of %4")
                             .arg(Format.counted(count, qsTr("file"), qsTr("files"))).arg(Format.size(bytes))
                             .arg(index + 1).arg(periods.count)
-                        onClicked: Timeline.jumpTo(new Date(end.getTime() - 1))
+                        onClicked: {
+                            periods.currentIndex = index
+                            Timeline.jumpTo(new Date(end.getTime() - 1))
+                        }
                         Keys.onDownPressed: periods.focusRow(index + 1)
                         Keys.onUpPressed: periods.focusRow(index - 1)
                     }
