@@ -162,7 +162,10 @@ void run(const QCommandLineParser& line) {
     if (!theme.isEmpty()) model.settings()->setThemeChoice(theme);
     const QString folder = line.value(QStringLiteral("folder"));
     if (!folder.isEmpty() && model.folders()->roots().empty()) photographer.connect(folder);
-    waitFor([&] { return !model.scan()->isIndexing(); });
+    waitFor([&] {
+        return !model.scan()->isIndexing() &&
+               (folder.isEmpty() || model.library()->files()->count() > 0);
+    });
     for (const QString& name : line.positionalArguments()) {
         const auto scene = scenes().find(name);
         scene == scenes().end() || folder.isEmpty() ? photographer.show(name)
