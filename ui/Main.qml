@@ -16,10 +16,14 @@ ApplicationWindow {
         { id: "files", text: qsTr("Files"), symbol: "doc", screen: "screens/FilesScreen.qml" },
         { id: "search", text: qsTr("Search"), symbol: "magnifyingglass", screen: "screens/SearchScreen.qml" },
         { id: "spaces", text: qsTr("Spaces"), symbol: "rectangle.stack", screen: "screens/SpacesScreen.qml" },
+        { id: "timeline", text: qsTr("Timeline"), symbol: "calendar", screen: "screens/TimelineScreen.qml" },
+        { id: "graph", text: qsTr("Graph"), symbol: "point.3.connected.trianglepath.dotted", screen: "screens/GraphScreen.qml" },
+        { id: "downloads", text: qsTr("Downloads"), symbol: "arrow.down.circle", screen: "screens/DownloadsScreen.qml" },
         { id: "duplicates", text: qsTr("Duplicates"), symbol: "square.on.square", screen: "screens/DuplicatesScreen.qml" },
         { id: "storage", text: qsTr("Storage"), symbol: "externaldrive", screen: "screens/StorageScreen.qml" },
         { id: "activity", text: qsTr("Activity"), symbol: "clock", screen: "screens/ActivityScreen.qml" },
         { id: "settings", text: qsTr("Settings"), symbol: "gearshape", screen: "screens/SettingsScreen.qml" },
+        { id: "models", text: qsTr("Models"), symbol: "cpu", screen: "screens/ModelsScreen.qml" },
         { id: "privacy", text: qsTr("Privacy"), symbol: "lock.shield", screen: "screens/PrivacyScreen.qml" },
         { id: "vault", text: qsTr("Vault"), symbol: "lock", screen: "screens/VaultScreen.qml" }
     ]

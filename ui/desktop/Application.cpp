@@ -3,6 +3,7 @@
 #include "app/monitor/FolderMonitor.h"
 #include "platform/BootClock.h"
 #include "platform/StandardLocations.h"
+#include "ui/desktop/PreviewImages.h"
 
 #include <QDir>
 #include <QFile>
@@ -64,6 +65,8 @@ Application::Application(const Options& options, FileOpener& opener)
                          vault_.setApplicationActive(state == Qt::ApplicationActive);
                      });
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    engine_.addImageProvider(QStringLiteral("preview"),
+                             new PreviewImages(runtime_.decoders(), runtime_.availability()));
     engine_.addImportPath(QStringLiteral(":/qt/qml"));
     engine_.setInitialProperties(
         {{QStringLiteral("dataDirectory"),

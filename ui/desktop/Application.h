@@ -4,6 +4,7 @@
 #include "app/runtime/Runtime.h"
 #include "app/vault/SessionLock.h"
 #include "ui/desktop/DesktopPorts.h"
+#include "ui/desktop/ScreenModels.h"
 #include "ui/desktop/VaultDialogs.h"
 
 #include <QQmlApplicationEngine>
@@ -37,6 +38,7 @@ class Application {
     SystemClipboard clipboard_;
     VaultDialogs vaultDialogs_;
     AppModel model_;
+    ScreenModels screens_{model_, runtime_};
     CleanupModel cleanup_;
     VaultModel vault_;
     std::unique_ptr<platform::SessionSignals> session_;

@@ -35,4 +35,19 @@ QtObject {
     function fileName(path) {
         return path.substring(path.lastIndexOf("/") + 1)
     }
+
+    /// A day, week or month by its start, in ISO 8601.
+    function period(start, unit) {
+        const day = new Date(start)
+        if (unit === "month")
+            return day.toLocaleDateString(Qt.locale(), "MMMM yyyy")
+        const written = day.toLocaleDateString(Qt.locale(), "d MMMM yyyy")
+        if (unit === "week")
+            return qsTr("Week of %1").arg(written)
+        const today = new Date()
+        today.setHours(0, 0, 0, 0)
+        const days = Math.round((today - day) / 86400000)
+        return days === 0 ? qsTr("Today") : days === 1 ? qsTr("Yesterday")
+            : day.toLocaleDateString(Qt.locale(), "ddd d MMMM yyyy")
+    }
 }
