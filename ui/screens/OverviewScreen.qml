@@ -57,7 +57,7 @@ FocusScope {
                           text: App.duplicates.hasSearched ? qsTr("in duplicates") : qsTr("exact duplicates"), section: "duplicates" },
                         { symbol: "externaldrive",
                           value: Cleanup.hasReport ? Format.size(Cleanup.candidates.bytes) : qsTr("Look"),
-                          text: Cleanup.hasReport ? qsTr("to review in storage") : qsTr("for what takes up space"), section: "storage" },
+                          text: Cleanup.hasReport ? qsTr("to review") : qsTr("what takes up space"), section: "storage" },
                         { symbol: "clock", value: Format.count(App.plans.actions.count), text: qsTr("changes made"), section: "activity" }
                     ]
                     OverviewCard {

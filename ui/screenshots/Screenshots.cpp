@@ -86,6 +86,8 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
              at.show(QStringLiteral("files"));
              settle();
              at.press(Qt::Key_Down, 3);
+             for (int wait = 0; wait < 4; ++wait) // for the picture of the page
+                 settle();
          }},
         {QStringLiteral("search"),
          [](Photographer& at) {
