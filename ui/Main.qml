@@ -130,23 +130,34 @@ ApplicationWindow {
                         isStrong: true
                     }
                 }
-                Repeater {
-                    id: rows
-                    model: window.sections
-                    NavigationRow {
-                        required property var modelData
-                        required property int index
-                        Layout.fillWidth: true
-                        text: modelData.text
-                        symbol: modelData.symbol
-                        isCurrent: window.current.id === modelData.id
-                        onClicked: window.show(modelData.id)
-                        Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
-                        Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
-                        Keys.onReturnPressed: clicked()
+                Flickable {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    contentHeight: list.implicitHeight
+                    boundsBehavior: Flickable.StopAtBounds
+                    clip: true
+                    ColumnLayout {
+                        id: list
+                        width: parent.width
+                        spacing: 2
+                        Repeater {
+                            id: rows
+                            model: window.sections
+                            NavigationRow {
+                                required property var modelData
+                                required property int index
+                                Layout.fillWidth: true
+                                text: modelData.text
+                                symbol: modelData.symbol
+                                isCurrent: window.current.id === modelData.id
+                                onClicked: window.show(modelData.id)
+                                Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
+                                Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
+                                Keys.onReturnPressed: clicked()
+                            }
+                        }
                     }
                 }
-                Item { Layout.fillHeight: true }
                 RowLayout {
                     Layout.fillWidth: true
                     Layout.leftMargin: 8
@@ -283,6 +294,14 @@ ApplicationWindow {
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }
-    Shortcut { sequence: "F6"; onActivated: rows.itemAt(0).activeFocus ? content.forceActiveFocus() : rows.itemAt(0).forceActiveFocus(Qt.TabFocusReason) }
+    Shortcut {
+        sequence: "F6"
+        onActivated: {
+            if (window.activeFocusItem instanceof NavigationRow)
+                content.forceActiveFocus(Qt.TabFocusReason)
+            else
+                rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
+        }
+    }
     Shortcut { sequences: [StandardKey.Quit]; onActivated: window.close() }
 }

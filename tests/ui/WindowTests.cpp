@@ -244,7 +244,7 @@ TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return !std::filesystem::exists(lease); }));
     ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Undo")); }));
 
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Cancel")); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
     key(Qt::Key_Z, Qt::ControlModifier);
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(lease); }))
         << focused().toStdString() << model().notices()->errorMessage().toStdString();
@@ -276,7 +276,7 @@ TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
     key(Qt::Key_Space);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !std::filesystem::exists(installer); }));
 
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Cancel")); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
     tabTo(QStringLiteral("History"));
     key(Qt::Key_Space);
     ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Undo")); }));

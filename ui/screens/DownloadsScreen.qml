@@ -158,7 +158,7 @@ FocusScope {
             FileDetails {
                 SplitView.preferredWidth: 280
                 SplitView.minimumWidth: 220
-                visible: screen.width > 940
+                visible: screen.width > 1000
                 files: screen.shown
                 revision: screen.shown.count
                 path: table.currentPath

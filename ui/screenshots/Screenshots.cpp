@@ -41,6 +41,7 @@ class Photographer {
     Photographer(Application& application, QString outDirectory, QString suffix)
         : application_(application), out_(std::move(outDirectory)), suffix_(std::move(suffix)) {}
 
+    VaultModel& vault() { return application_.vault(); }
     CleanupModel& cleanup() { return application_.cleanup(); }
     AppModel& model() { return application_.model(); }
 
@@ -85,6 +86,8 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
              at.show(QStringLiteral("files"));
              settle();
              at.press(Qt::Key_Down, 3);
+             for (int wait = 0; wait < 4; ++wait) // for the picture of the page
+                 settle();
          }},
         {QStringLiteral("search"),
          [](Photographer& at) {
@@ -137,6 +140,27 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
              at.cleanup().scan();
              waitFor([&] { return !at.cleanup().isScanning() && at.cleanup().hasReport(); });
          }},
+        {QStringLiteral("vault-open"),
+         [](Photographer& at) {
+             VaultModel& vault = at.vault();
+             std::vector<std::string> paths;
+             for (const FileRecord& file : at.model().library()->records()) {
+                 if (file.path.find("Lease") != std::string::npos && paths.size() < 4)
+                     paths.push_back(file.path);
+             }
+             at.show(QStringLiteral("vault"));
+             waitFor([&] { return vault.phase() == VaultModel::Phase::notCreated; });
+             vault.authenticate(QStringLiteral("a password for the pictures"), true);
+             waitFor(
+                 [&] { return vault.phase() == VaultModel::Phase::unlocked && !vault.isBusy(); });
+             vault.importFiles(paths);
+             waitFor([&] { return !vault.isBusy(); });
+         }},
+        {QStringLiteral("vault-locked"),
+         [](Photographer& at) {
+             at.vault().lock();
+             waitFor([&] { return !at.vault().isBusy(); });
+         }},
         {QStringLiteral("palette"),
          [](Photographer& at) { at.model().setShowCommandPalette(true); }},
     };
@@ -156,13 +180,18 @@ void run(const QCommandLineParser& line) {
     if (!application.window()) throw std::runtime_error("The screens could not be loaded.");
     Photographer photographer(application, line.value(QStringLiteral("out")),
                               line.value(QStringLiteral("suffix")));
+    const QStringList size = line.value(QStringLiteral("size")).split(u'x');
+    if (size.size() == 2) application.window()->resize(size[0].toInt(), size[1].toInt());
     AppModel& model = application.model();
     waitFor([&] { return model.isLoaded(); });
     const QString theme = line.value(QStringLiteral("theme"));
     if (!theme.isEmpty()) model.settings()->setThemeChoice(theme);
     const QString folder = line.value(QStringLiteral("folder"));
     if (!folder.isEmpty() && model.folders()->roots().empty()) photographer.connect(folder);
-    waitFor([&] { return !model.scan()->isIndexing(); });
+    waitFor([&] {
+        return !model.scan()->isIndexing() &&
+               (folder.isEmpty() || model.library()->files()->count() > 0);
+    });
     for (const QString& name : line.positionalArguments()) {
         const auto scene = scenes().find(name);
         scene == scenes().end() || folder.isEmpty() ? photographer.show(name)
@@ -182,7 +211,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QUICK_BACKEND", "software");
     QGuiApplication application(argc, argv);
     QCommandLineParser line;
-    for (const char* option : {"data-dir", "folder", "out", "suffix", "theme"})
+    for (const char* option : {"data-dir", "folder", "out", "size", "suffix", "theme"})
         line.addOption({QString::fromLatin1(option), QString(), QStringLiteral("value")});
     line.addOption({QStringLiteral("mirrored"), QString()});
     line.process(application);
