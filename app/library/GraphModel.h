@@ -33,9 +33,9 @@ class GraphModel : public QObject {
     /// The index to read from now on; none while it is closed.
     void setIndex(std::shared_ptr<IndexStore> index);
 
-    /// The middle first. Roles: path, name, symbol, folder, depth, parentRow (the one it is tied to),
-    /// kind (of the strongest tie: "duplicate", "project", "words", "origin" or "folder"), tie (all
-    /// of them in words), across and down (from -1 to 1).
+    /// The middle first. Roles: path, name, symbol, folder, depth, parentRow (the one it is tied
+    /// to), kind (of the strongest tie: "duplicate", "project", "words", "origin" or "folder"), tie
+    /// (all of them in words), across and down (from -1 to 1).
     RowListModel* nodes() { return &nodes_; }
     const std::vector<GraphNode>& rows() const { return nodes_.rows(); }
 
