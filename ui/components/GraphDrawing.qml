@@ -14,7 +14,7 @@ Item {
     signal chosen(string path)
     signal activated(string path)
 
-    readonly property double reachX: Math.max(0, width / 2 - 60)
+    readonly property double reachX: Math.max(0, width / 2 - (areNamed ? 70 : 24))
     readonly property double reachY: Math.max(0, height / 2 - 34)
     readonly property bool isCrowded: circles.count > 60
     readonly property bool areNamed: circles.count <= 26

@@ -1,11 +1,13 @@
 #include "ui/desktop/PreviewImages.h"
 
+#include "base/Text.h"
 #include "platform/FileAttributes.h"
 #include "platform/StandardLocations.h"
 
 #include <QImage>
 #include <QUrl>
 #include <algorithm>
+#include <mutex>
 
 namespace tovi {
 namespace {
@@ -14,13 +16,28 @@ constexpr int mostWaiting = 16;
 constexpr int usualSide = 512;
 constexpr int longestSide = 2048; // that the decoder draws
 
+class Response;
+
+/// Leads to a response while it lives: a closing window may delete one before its picture is made.
+struct Address {
+    std::mutex mutex; // guards the response, and keeps it alive while it is held
+    Response* response = nullptr;
+};
+
 class Response final : public QQuickImageResponse {
   public:
+    Response() { address_->response = this; }
+    ~Response() override {
+        const std::lock_guard lock(address_->mutex);
+        address_->response = nullptr;
+    }
+
     QQuickTextureFactory* textureFactory() const override {
         return QQuickTextureFactory::textureFactoryForImage(image_);
     }
     void cancel() override { stop_.request_stop(); }
 
+    std::shared_ptr<Address> address() const { return address_; }
     std::stop_token token() const { return stop_.get_token(); }
     /// Of a null image a single empty pixel is made, since an error would be a warning of QML.
     void finish(QImage image) {
@@ -33,9 +50,20 @@ class Response final : public QQuickImageResponse {
     }
 
   private:
+    const std::shared_ptr<Address> address_ = std::make_shared<Address>();
     QImage image_;
     std::stop_source stop_;
 };
+
+/// Gives the image to the response on its own thread, which listens to it only after the request.
+void deliver(Address& address, QImage image) {
+    const std::lock_guard lock(address.mutex);
+    if (!address.response) return;
+    QMetaObject::invokeMethod(
+        address.response,
+        [response = address.response, image = std::move(image)] { response->finish(image); },
+        Qt::QueuedConnection);
+}
 
 /// A page whose fonts are not at hand is drawn empty.
 bool isBlank(const DecodedPicture& picture) {
@@ -43,7 +71,7 @@ bool isBlank(const DecodedPicture& picture) {
 }
 
 QImage toImage(Thumbnail made) {
-    if (!made || isBlank(*made)) return {};
+    if (!made) return {};
     const auto* kept = new Thumbnail(std::move(made));
     const DecodedPicture& picture = **kept;
     return QImage(
@@ -63,7 +91,10 @@ QImage load(ThumbnailLoader& loader, const std::string& path, int side,
     try {
         const platform::FileAttributes attributes = platform::attributesOf(path);
         if (attributes.type != platform::FileType::regular) return {};
-        return toImage(loader.image({path, attributes.modifiedAt, attributes.size, side}, stop));
+        Thumbnail made = loader.image({path, attributes.modifiedAt, attributes.size, side}, stop);
+        const bool isPdf = lowercasedExtension(lastPathComponent(path)) == "pdf";
+        if (made && isPdf && isBlank(*made)) return {};
+        return toImage(std::move(made));
     } catch (const std::exception&) {
         return {}; // vanished meanwhile
     }
@@ -90,11 +121,12 @@ QQuickImageResponse* PreviewImages::requestImageResponse(const QString& id,
     auto* response = new Response;
     const int wanted = std::max(requestedSize.width(), requestedSize.height());
     const int side = wanted > 0 ? std::min(wanted, longestSide) : usualSide;
-    waiting_.start([this, response, token = response->token(), path = pathOf(id), side] {
+    waiting_.start([this, address = response->address(), token = response->token(),
+                    path = pathOf(id), side] {
         std::stop_source either;
         const std::stop_callback cancelled(token, [&either] { either.request_stop(); });
         const std::stop_callback ending(stop_.get_token(), [&either] { either.request_stop(); });
-        response->finish(load(loader_, path, side, either.get_token()));
+        deliver(*address, load(loader_, path, side, either.get_token()));
     });
     return response;
 }
