@@ -16,8 +16,6 @@ namespace tovi {
 namespace {
 
 using test::uiProcess;
-using testing::Contains;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 QStringList& warnings() {

@@ -85,8 +85,8 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
          [](Photographer& at) {
              at.show(QStringLiteral("files"));
              settle();
-             at.press(Qt::Key_Down, 3);
-             for (int wait = 0; wait < 4; ++wait) // for the picture of the page
+             at.press(Qt::Key_Down);
+             for (int wait = 0; wait < 4; ++wait) // for the preview
                  settle();
          }},
         {QStringLiteral("search"),
