@@ -2,18 +2,27 @@
 
 FOLDER ?= $(CURDIR)
 PHRASE ?= documents about privacy
+DATA   ?= $(or $(XDG_DATA_HOME),$(HOME)/.local/share)/Ardeno
 JOBS   ?= $(shell nproc)
 
 .DEFAULT_GOAL := help
 
 .PHONY: help
 help: ## list these commands
-	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-9s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-11s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 
 .PHONY: run
-run: release ## build, index FOLDER= and answer PHRASE=
-	build/release/bin/tovictl index "$(FOLDER)"
-	build/release/bin/tovictl search --limit 10 "$(PHRASE)"
+run: release ## build, index FOLDER=, answer PHRASE= and open the window
+	build/release/bin/tovictl --data-dir "$(DATA)" index "$(FOLDER)"
+	build/release/bin/tovictl --data-dir "$(DATA)" search --limit 10 "$(PHRASE)"
+	if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then build/release/bin/tovi --data-dir "$(DATA)"; fi
+
+.PHONY: screenshots
+screenshots: ## draw every screen anew into docs/screenshots
+	scripts/bootstrap
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS) --target tovi-screenshots tovi-decoder
+	scripts/make-screenshots
 
 .PHONY: test
 test: ## install what is missing, build with sanitizers, run every test

@@ -11,6 +11,8 @@
 namespace tovi::cli {
 namespace {
 
+constexpr std::size_t largestPlan = 500; // files
+
 void printPlan(const ActionPlan& plan) {
     std::int64_t total = 0;
     fmt::print("{}\n", bold(plan.title));
@@ -48,6 +50,31 @@ void reviewAndExecute(const ActionPlan& plan, const std::string& confirmation, F
     };
     reviewAndExecute({reviewCode(plan), toJson(plan), [&] { printPlan(plan); }, execute},
                      confirmation, context);
+}
+
+bool CopiesToTrash::add(const FileRecord& file) {
+    if (files_.size() == largestPlan) {
+        ++left_;
+        return false;
+    }
+    files_.push_back(file);
+    return true;
+}
+
+void CopiesToTrash::review(const char* noun, const std::string& confirmation,
+                           Context& context) const {
+    if (files_.empty()) {
+        if (context.json)
+            context.print({{"plan", nullptr}});
+        else
+            fmt::print("There is nothing to move.\n");
+        return;
+    }
+    FileActions actions(context);
+    const ActionPlan plan = actions.service().plan(files_, FileOperation::trash, {},
+                                                   actions.roots(), keepers_, context.stop);
+    if (left_ > 0) fmt::print(stderr, "{} more for a further plan.\n", formatCount(left_, noun));
+    reviewAndExecute(plan, confirmation, actions, context);
 }
 
 void reviewAndExecute(const FileArguments& arguments, FileOperation operation, Context& context) {

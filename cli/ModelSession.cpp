@@ -19,10 +19,10 @@ ModelSession::ModelSession(const Context& context, const std::optional<Following
                          .isDataDirectoryGiven = true,
                          .automaticallyScan = following.has_value()};
     if (following) settings.automaticRescanInterval = following->interval;
-    model_ = std::make_unique<AppModel>(
-        AppSystem{runtime_.executor(), runtime_.indexer(), runtime_.actions(), desktop_, desktop_,
-                  desktop_, makeMonitor},
-        settings);
+    model_ = std::make_unique<AppModel>(AppSystem{runtime_.executor(), runtime_.indexer(),
+                                                  runtime_.actions(), desktop_, desktop_, desktop_,
+                                                  makeMonitor},
+                                        settings);
     following ? following->connect(*model_) : model_->scan()->pauseQuietly();
     bool isOpen = false;
     const QObject opening; // what is connected ends with it

@@ -66,12 +66,12 @@ function(tovi_executable name)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 endfunction()
 
-# tovi_plain_executable(NAME SOURCES file… USES target…): a program without sanitizers, which is why
-# it takes the sources of what it uses and not the project's libraries.
+# tovi_plain_executable(NAME SOURCES file… USES target…): a program built as for its users, without
+# sanitizers, which is why it takes the sources of what it uses and not the project's libraries.
 function(tovi_plain_executable name)
     tovi_executable(${name} ${ARGN})
     if(TOVI_SANITIZERS)
-        target_compile_options(${name} PRIVATE -fno-sanitize=all)
+        target_compile_options(${name} PRIVATE -fno-sanitize=all -O2)
         target_link_options(${name} PRIVATE -fno-sanitize=all)
     endif()
 endfunction()

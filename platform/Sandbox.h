@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,10 @@ int landlockVersion();
 /// any of the processor's calling conventions, and no io_uring, which could make them unseen.
 /// Covers threads that run already. Throws `std::system_error`.
 void refuseInternetSockets();
+
+/// Whether every process that runs `program` (an absolute path) under the name `name` has a
+/// system-call filter; nothing where none runs.
+std::optional<bool> runsWithFilter(const std::string& program, const std::string& name);
 
 /// Tries to make an IPv4 and an IPv6 socket, and closes them again.
 bool canMakeInternetSocket();

@@ -9,16 +9,23 @@ ApplicationWindow {
     id: window
 
     required property string dataDirectory
+    required property string homeDirectory
 
     readonly property var sections: [
         { id: "overview", text: qsTr("Overview"), symbol: "square.grid.2x2", screen: "screens/OverviewScreen.qml" },
         { id: "files", text: qsTr("Files"), symbol: "doc", screen: "screens/FilesScreen.qml" },
         { id: "search", text: qsTr("Search"), symbol: "magnifyingglass", screen: "screens/SearchScreen.qml" },
         { id: "spaces", text: qsTr("Spaces"), symbol: "rectangle.stack", screen: "screens/SpacesScreen.qml" },
+        { id: "timeline", text: qsTr("Timeline"), symbol: "calendar", screen: "screens/TimelineScreen.qml" },
+        { id: "graph", text: qsTr("Graph"), symbol: "point.3.connected.trianglepath.dotted", screen: "screens/GraphScreen.qml" },
+        { id: "downloads", text: qsTr("Downloads"), symbol: "arrow.down.circle", screen: "screens/DownloadsScreen.qml" },
         { id: "duplicates", text: qsTr("Duplicates"), symbol: "square.on.square", screen: "screens/DuplicatesScreen.qml" },
+        { id: "storage", text: qsTr("Storage"), symbol: "externaldrive", screen: "screens/StorageScreen.qml" },
         { id: "activity", text: qsTr("Activity"), symbol: "clock", screen: "screens/ActivityScreen.qml" },
         { id: "settings", text: qsTr("Settings"), symbol: "gearshape", screen: "screens/SettingsScreen.qml" },
-        { id: "privacy", text: qsTr("Privacy"), symbol: "lock.shield", screen: "screens/PrivacyScreen.qml" }
+        { id: "models", text: qsTr("Models"), symbol: "cpu", screen: "screens/ModelsScreen.qml" },
+        { id: "privacy", text: qsTr("Privacy"), symbol: "lock.shield", screen: "screens/PrivacyScreen.qml" },
+        { id: "vault", text: qsTr("Vault"), symbol: "lock", screen: "screens/VaultScreen.qml" }
     ]
     readonly property var current: sections.find(section => section.id === App.section) || sections[1]
     readonly property var commands: sections.map(section => ({
@@ -27,7 +34,8 @@ ApplicationWindow {
         { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
         { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
         { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
-          symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() }
+          symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
+        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.open() }
     ])
     property var visited: []
 
@@ -36,6 +44,19 @@ ApplicationWindow {
             return
         visited = visited.concat([App.section]).slice(-50)
         App.section = section
+    }
+    /// Scrolls so that what has the keyboard is seen.
+    function follow(item) {
+        for (let at = item ? item.parent : null; at; at = at.parent) {
+            if (!(at instanceof Flickable))
+                continue
+            const top = item.mapToItem(at.contentItem, 0, 0).y
+            if (top < at.contentY)
+                at.contentY = Math.max(at.originY, top - 16)
+            else if (top + item.height > at.contentY + at.height && item.height < at.height)
+                at.contentY = Math.min(top + item.height + 16, at.contentHeight + at.originY) - at.height
+            return
+        }
     }
     function goBack() {
         if (visited.length === 0)
@@ -51,8 +72,28 @@ ApplicationWindow {
     visible: true
     title: qsTr("Tovi — %1").arg(current.text)
     color: Theme.background
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
+    palette {
+        window: Theme.raised
+        windowText: Theme.text
+        base: Theme.raised
+        text: Theme.text
+        button: Theme.raised
+        buttonText: Theme.text
+        light: Theme.selected
+        midlight: Theme.selected
+        mid: Theme.outline
+        dark: Theme.border
+        highlight: Theme.accent
+        highlightedText: Theme.accentInk
+        toolTipBase: Theme.raised
+        toolTipText: Theme.text
+        placeholderText: Theme.secondaryText
+    }
 
     Binding { target: Theme; property: "choice"; value: App.settings.themeChoice }
+    Binding { target: Format; property: "home"; value: window.homeDirectory }
     Binding { target: Theme; property: "appearance"; value: App.settings.appearance }
 
     Component.onCompleted: {
@@ -89,23 +130,34 @@ ApplicationWindow {
                         isStrong: true
                     }
                 }
-                Repeater {
-                    id: rows
-                    model: window.sections
-                    NavigationRow {
-                        required property var modelData
-                        required property int index
-                        Layout.fillWidth: true
-                        text: modelData.text
-                        symbol: modelData.symbol
-                        isCurrent: window.current.id === modelData.id
-                        onClicked: window.show(modelData.id)
-                        Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
-                        Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
-                        Keys.onReturnPressed: clicked()
+                Flickable {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    contentHeight: list.implicitHeight
+                    boundsBehavior: Flickable.StopAtBounds
+                    clip: true
+                    ColumnLayout {
+                        id: list
+                        width: parent.width
+                        spacing: 2
+                        Repeater {
+                            id: rows
+                            model: window.sections
+                            NavigationRow {
+                                required property var modelData
+                                required property int index
+                                Layout.fillWidth: true
+                                text: modelData.text
+                                symbol: modelData.symbol
+                                isCurrent: window.current.id === modelData.id
+                                onClicked: window.show(modelData.id)
+                                Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
+                                Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
+                                Keys.onReturnPressed: clicked()
+                            }
+                        }
                     }
                 }
-                Item { Layout.fillHeight: true }
                 RowLayout {
                     Layout.fillWidth: true
                     Layout.leftMargin: 8
@@ -186,6 +238,13 @@ ApplicationWindow {
         }
     }
     Connections {
+        target: Cleanup
+        function onExecuted(receipt) {
+            toast.receipt = ""
+            toast.show(App.notices.statusMessage, "")
+        }
+    }
+    Connections {
         target: App.copyText
         function onChanged() {
             if (App.copyText.copyTextMessage) {
@@ -197,6 +256,7 @@ ApplicationWindow {
 
     FolderDialog {
         id: folderDialog
+        objectName: "folder-dialog"
         onAccepted: FolderDialogs.finish(selectedFolder)
         onRejected: FolderDialogs.finish("")
     }
@@ -211,21 +271,37 @@ ApplicationWindow {
         }
     }
 
+    onActiveFocusItemChanged: follow(activeFocusItem)
+    onClosing: Vault.windowClosed()
+
     PlanSheet {}
+    ShortcutsSheet { id: shortcuts }
+    VaultPanels {}
+    CleanupSheet {}
     CommandPalette { commands: window.commands }
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
     Shortcut {
-        sequence: StandardKey.Find
+        sequences: [StandardKey.Find]
         onActivated: {
             window.show("search")
             content.item.begin()
         }
     }
     Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
+    Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
+    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }
-    Shortcut { sequence: "F6"; onActivated: rows.itemAt(0).activeFocus ? content.forceActiveFocus() : rows.itemAt(0).forceActiveFocus(Qt.TabFocusReason) }
-    Shortcut { sequence: StandardKey.Quit; onActivated: window.close() }
+    Shortcut {
+        sequence: "F6"
+        onActivated: {
+            if (window.activeFocusItem instanceof NavigationRow)
+                content.forceActiveFocus(Qt.TabFocusReason)
+            else
+                rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
+        }
+    }
+    Shortcut { sequences: [StandardKey.Quit]; onActivated: window.close() }
 }

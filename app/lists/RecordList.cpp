@@ -38,11 +38,18 @@ const std::vector<DifferenceListModel<FileRecord>::Role>& recordRoles() {
     return roles;
 }
 
+std::vector<DifferenceListModel<FileRecord>::Role>
+joined(std::vector<DifferenceListModel<FileRecord>::Role> roles,
+       std::vector<DifferenceListModel<FileRecord>::Role> more) {
+    std::move(more.begin(), more.end(), std::back_inserter(roles));
+    return roles;
+}
+
 } // namespace
 
-RecordList::RecordList(QObject* parent)
-    : DifferenceListModel([](const FileRecord& file) { return file.path; }, recordRoles(), parent) {
-}
+RecordList::RecordList(std::vector<Role> more)
+    : DifferenceListModel([](const FileRecord& file) { return file.path; },
+                          joined(recordRoles(), std::move(more))) {}
 
 QVariantMap toVariantMap(const FileRecord& file) {
     QVariantMap values;

@@ -7,10 +7,10 @@ namespace tovi {
 
 /// Files of the index by their path. Roles: path, name, folder, kind, kindTitle, symbol, size
 /// (bytes), createdAt, modifiedAt, indexedAt, downloadedAt, contentStatus, sourceURL, sha256,
-/// rootPath.
+/// rootPath, and what a screen needs besides.
 class RecordList final : public DifferenceListModel<FileRecord> {
   public:
-    explicit RecordList(QObject* parent = nullptr);
+    explicit RecordList(std::vector<Role> more = {});
 };
 
 /// The same values by the names of the roles, for one file; empty without one.

@@ -119,6 +119,8 @@ class AppModel : public QObject {
     /// Keeps the scanner away while another model changes files. Refused, with the error message,
     /// while a plan or another maintenance runs; else `begun` is called once no scan runs.
     bool beginCleanupMaintenance(std::function<void()> begun = [] {});
+    /// Whether an operation is under way that keeps the scanner away.
+    bool isInMaintenance() const { return context_.isInMaintenance(); }
     /// Ends what `beginCleanupMaintenance` began; `hasChangedFiles` asks for a scan.
     void finishCleanupMaintenance(bool hasChangedFiles);
 

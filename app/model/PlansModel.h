@@ -57,7 +57,7 @@ class PlansModel : public QObject {
     /// Asks an execution to stop after the file it is at.
     Q_INVOKABLE void stopExecution();
     Q_INVOKABLE void undo(const QString& receipt);
-    void undoLast();
+    Q_INVOKABLE void undoLast();
 
     void setService(std::shared_ptr<FileActionService> service);
     void refreshHistory();

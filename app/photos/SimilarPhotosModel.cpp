@@ -18,8 +18,12 @@ QString grouped(int number) {
 
 QVariantList valuesOf(const SimilarPhotoGroup& group) {
     QVariantList files;
-    for (const FileRecord& file : group.files)
-        files.append(toVariantMap(file));
+    for (std::size_t at = 0; at < group.files.size(); ++at) {
+        QVariantMap values = toVariantMap(group.files[at]);
+        values.insert(QStringLiteral("width"), group.traits[at].width);
+        values.insert(QStringLiteral("height"), group.traits[at].height);
+        files.append(values);
+    }
     return files;
 }
 

@@ -31,7 +31,8 @@ class SimilarPhotosModel : public QObject {
 
     SimilarPhotosModel(Executor& executor, Scanner scanner);
 
-    /// Roles: id, files (list of the values of a file), count, potentialBytes, keeper (the index
+    /// Roles: id, files (list of the values of a file with
+    /// its width and height in pixels), count, potentialBytes, keeper (the index
     /// in files of the photo that deserves to stay).
     RowListModel* groups() { return &groups_; }
     /// The last finished check.

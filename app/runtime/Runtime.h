@@ -7,6 +7,7 @@
 #include "platform/Availability.h"
 #include "platform/Bookmark.h"
 #include "platform/ExclusiveMove.h"
+#include "platform/RunningPrograms.h"
 #include "platform/Trash.h"
 
 #include <string>
@@ -24,6 +25,7 @@ class Runtime {
     const FileIndexer& indexer() const { return indexer_; }
     decoder::DecoderPool& decoders() { return decoders_; }
     const platform::Availability& availability() const { return availability_; }
+    const platform::RunningPrograms& programs() const { return programs_; }
     FileActionSystem actions() { return {trash_, move_, bookmarks_, availability_, Date::now}; }
 
   private:
@@ -31,6 +33,7 @@ class Runtime {
     platform::SystemExclusiveMove move_;
     platform::SystemBookmarks bookmarks_;
     platform::SystemAvailability availability_;
+    platform::SystemRunningPrograms programs_;
     decoder::DecoderPool decoders_;
     ContentExtractor extractor_;
     FileIndexer indexer_;

@@ -78,13 +78,18 @@ std::string fileUri(const std::string& path) {
     return uri;
 }
 
+std::string sharedThumbnailName(const std::string& uri) {
+    return md5(uri) + ".png";
+}
+
 FileDescriptor openSharedThumbnail(const std::string& folder, const std::string& path,
                                    std::int64_t modified, int pixels) {
     const std::string uri = fileUri(path);
-    const std::string name = md5(uri) + ".png";
+    const std::string name = sharedThumbnailName(uri);
     for (const auto& [size, sizeFolder] : sizes) {
         if (size < pixels) continue;
-        const std::string thumbnail = folder + "/" + sizeFolder + "/" + name;
+        const std::string thumbnail =
+            std::string(folder).append("/").append(sizeFolder).append("/").append(name);
         FileDescriptor file(
             ::open(thumbnail.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};

@@ -17,4 +17,7 @@ FileDescriptor openSharedThumbnail(const std::string& folder, const std::string&
 /// `path` as a URI, escaped as the desktop's programs do.
 std::string fileUri(const std::string& path);
 
+/// What the thumbnail of the file at `uri` is called in the folder of its size.
+std::string sharedThumbnailName(const std::string& uri);
+
 } // namespace tovi

@@ -16,8 +16,6 @@
 namespace tovi::cli {
 namespace {
 
-constexpr std::size_t largestPlan = 500; // files
-
 struct DuplicatesArguments {
     std::vector<std::string> words;
     bool trash = false;
@@ -103,41 +101,19 @@ std::vector<bool> kept(const DuplicateGroup& group, const std::string& rule) {
 
 void trashAllButKept(const ExactDuplicates& found, const DuplicatesArguments& arguments,
                      Context& context) {
-    std::vector<FileRecord> files;
-    std::vector<FileRecord> keepers;
-    std::size_t left = 0;
+    CopiesToTrash copies;
     for (const DuplicateGroup& group : found.groups) {
         const std::vector<bool> stays = kept(group, arguments.keep);
         if (std::find(stays.begin(), stays.end(), true) == stays.end()) continue;
-        const std::size_t before = files.size();
+        bool goesAny = false;
         for (std::size_t i = 0; i < stays.size(); ++i) {
-            if (stays[i]) continue;
-            if (files.size() < largestPlan) {
-                files.push_back(group.files[i]);
-            } else {
-                ++left;
-            }
+            if (!stays[i] && copies.add(group.files[i])) goesAny = true;
         }
-        for (std::size_t i = 0; i < stays.size() && files.size() > before; ++i) {
-            if (stays[i]) keepers.push_back(group.files[i]);
+        for (std::size_t i = 0; i < stays.size() && goesAny; ++i) {
+            if (stays[i]) copies.keep(group.files[i]);
         }
     }
-    if (files.empty()) {
-        if (context.json) {
-            context.print({{"plan", nullptr}});
-        } else {
-            fmt::print("There is nothing to move.\n");
-        }
-        return;
-    }
-    FileActions actions(context);
-    const ActionPlan plan = actions.service().plan(files, FileOperation::trash, {}, actions.roots(),
-                                                   keepers, context.stop);
-    if (left > 0) {
-        fmt::print(stderr, "{} more for a further plan.\n",
-                   formatCount(static_cast<std::int64_t>(left), "duplicate"));
-    }
-    reviewAndExecute(plan, arguments.confirmation, actions, context);
+    copies.review("duplicate", arguments.confirmation, context);
 }
 
 void duplicates(const DuplicatesArguments& arguments, Context& context) {

@@ -15,8 +15,6 @@
 namespace tovi::cli {
 namespace {
 
-constexpr std::size_t largestPlan = 500; // files
-
 struct PhotosArguments {
     std::string folder;
     SimilarPhotoOptions options;
@@ -121,35 +119,14 @@ void print(const SimilarPhotoReport& report) {
 
 void trashAllButKept(const SimilarPhotoReport& report, const std::string& confirmation,
                      Context& context) {
-    std::vector<FileRecord> files;
-    std::size_t left = 0;
+    CopiesToTrash copies;
     for (const SimilarPhotoGroup& group : report.groups) {
         for (std::size_t at = 0; at < group.files.size(); ++at) {
-            if (at == group.keeper()) continue;
-            if (files.size() < largestPlan) {
-                files.push_back(group.files[at]);
-            } else {
-                ++left;
-            }
+            if (at != group.keeper()) copies.add(group.files[at]);
         }
     }
-    if (files.empty()) {
-        if (context.json) {
-            context.print({{"plan", nullptr}});
-        } else {
-            fmt::print("There is nothing to move.\n");
-        }
-        return;
-    }
-    if (!context.json) print(report);
-    FileActions actions(context);
-    const ActionPlan plan =
-        actions.service().plan(files, FileOperation::trash, {}, actions.roots(), {}, context.stop);
-    if (left > 0) {
-        fmt::print(stderr, "{} more for a further plan.\n",
-                   formatCount(static_cast<std::int64_t>(left), "photo"));
-    }
-    reviewAndExecute(plan, confirmation, actions, context);
+    if (!context.json && !report.groups.empty()) print(report);
+    copies.review("photo", confirmation, context);
 }
 
 void photos(const PhotosArguments& arguments, Context& context) {

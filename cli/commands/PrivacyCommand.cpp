@@ -3,6 +3,8 @@
 #include "decoder/client/DecoderPool.h"
 #include "platform/Sandbox.h"
 
+#include <filesystem>
+
 #include <fmt/format.h>
 
 namespace tovi::cli {
@@ -12,13 +14,25 @@ constexpr const char* withoutLandlock =
     "This kernel has no Landlock. The system-call filter alone keeps decoders from opening\n"
     "files, and PDFs in Chinese, Japanese or Korean that bring no font tables are read less well.";
 
+/// tovi, which is installed beside this program.
+std::string windowPath() {
+    return std::filesystem::path(decoderPath()).replace_filename("tovi");
+}
+
 const char* yesOrNo(bool value) {
     return value ? "yes" : "NO";
 }
 
-void printText(bool socketsRefused, const decoder::Confinement& decoder) {
+const char* describe(std::optional<bool> isWindowFiltered) {
+    return isWindowFiltered ? yesOrNo(*isWindowFiltered) : "not running";
+}
+
+void printText(bool socketsRefused, std::optional<bool> isWindowFiltered,
+               const decoder::Confinement& decoder) {
     fmt::print("{}\n", bold("This program"));
     fmt::print("  {:34} {}\n", "Refused to make internet sockets", yesOrNo(socketsRefused));
+    fmt::print("\n{}\n", bold("The window"));
+    fmt::print("  {:34} {}\n", "System-call filter", describe(isWindowFiltered));
     fmt::print("\n{}\n", bold("The programs that read PDFs and pictures"));
     fmt::print("  {:34} {}\n", "System-call filter", yesOrNo(decoder.systemCallFilter));
     fmt::print("  {:34} {}\n", "Landlock",
@@ -32,8 +46,10 @@ void printText(bool socketsRefused, const decoder::Confinement& decoder) {
     if (decoder.landlockVersion == 0) fmt::print("\n{}\n", withoutLandlock);
 }
 
-void printJson(bool socketsRefused, const decoder::Confinement& decoder, const Context& context) {
+void printJson(bool socketsRefused, std::optional<bool> isWindowFiltered,
+               const decoder::Confinement& decoder, const Context& context) {
     context.print({{"internetSocketsRefused", socketsRefused},
+                   {"windowHasFilter", isWindowFiltered ? Json(*isWindowFiltered) : Json()},
                    {"decoder",
                     {{"systemCallFilter", decoder.systemCallFilter},
                      {"landlockVersion", decoder.landlockVersion},
@@ -46,12 +62,15 @@ void printJson(bool socketsRefused, const decoder::Confinement& decoder, const C
 
 void checkPrivacy(Context& context) {
     const bool socketsRefused = !platform::canMakeInternetSocket();
+    const std::optional<bool> isWindowFiltered = platform::runsWithFilter(windowPath(), "tovi");
     const decoder::Confinement decoder =
         decoder::DecoderPool({.program = decoderPath()}).confinement(context.stop);
-    const bool whole = socketsRefused && decoder.systemCallFilter && decoder.noNewPrivileges &&
+    const bool whole = socketsRefused && isWindowFiltered.value_or(true) &&
+                       decoder.systemCallFilter && decoder.noNewPrivileges &&
                        decoder.landlockVersion > 0 && decoder.coreBytes == 0;
     if (!whole) context.exitCode = ExitCode::needsAttention;
-    context.json ? printJson(socketsRefused, decoder, context) : printText(socketsRefused, decoder);
+    context.json ? printJson(socketsRefused, isWindowFiltered, decoder, context)
+                 : printText(socketsRefused, isWindowFiltered, decoder);
 }
 
 } // namespace

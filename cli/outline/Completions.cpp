@@ -1,5 +1,6 @@
 #include "cli/outline/Outline.h"
 
+#include <algorithm>
 #include <functional>
 
 #include <fmt/format.h>
@@ -47,16 +48,21 @@ std::string withoutColons(std::string text) {
     return text;
 }
 
-/// The part that bash and zsh share: how the words so far name a command.
-std::string pathCases(const Outline& program) {
+/// The path of every command, quoted.
+std::vector<std::string> quotedPaths(const Outline& program) {
     std::vector<std::string> paths;
     forEachCommand(program, [&](const std::string& path, const Outline& command, const Options&) {
         if (&command != &program) paths.push_back(quoted(path));
     });
+    return paths;
+}
+
+/// What bash and zsh share: how the words so far name a command.
+std::string pathCases(const Outline& program) {
     return fmt::format("        case \"$path $word\" in\n"
                        "            {}) path=\"$path $word\" ;;\n"
                        "        esac\n",
-                       fmt::join(paths, " | "));
+                       fmt::join(quotedPaths(program), " | "));
 }
 
 } // namespace
@@ -141,10 +147,6 @@ std::string fishCompletion(const Outline& program) {
                                  quoted(option.description));
         }
     });
-    std::vector<std::string> paths;
-    forEachCommand(program, [&](const std::string& path, const Outline& command, const Options&) {
-        if (&command != &program) paths.push_back(quoted(path));
-    });
     return fmt::format("function __{0}_path\n"
                        "    set -l path {0}\n"
                        "    for word in (commandline -opc)[2..-1]\n"
@@ -155,7 +157,7 @@ std::string fishCompletion(const Outline& program) {
                        "    echo $path\n"
                        "end\n"
                        "{2}",
-                       program.name, fmt::join(paths, " "), lines);
+                       program.name, fmt::join(quotedPaths(program), " "), lines);
 }
 
 } // namespace tovi::cli

@@ -29,17 +29,6 @@ constexpr std::string_view functionWords[] = {
     "where", "which",  "who",  "whose", "why",  "will",  "with", "would", "you",  "your"};
 static_assert(std::is_sorted(std::begin(functionWords), std::end(functionWords)));
 
-std::vector<std::string> contentWords(std::string_view question) {
-    std::vector<std::string> words = EvidenceRetriever::words(question);
-    std::vector<std::string> content;
-    std::copy_if(words.begin(), words.end(), std::back_inserter(content), [](const auto& word) {
-        return !std::binary_search(std::begin(functionWords), std::end(functionWords), word);
-    });
-    if (content.empty()) content = std::move(words);
-    if (content.size() > mostWords) content.resize(mostWords);
-    return content;
-}
-
 /// Paths of files that hold some of the words, most promising first, ties newest first: a word that
 /// few files hold says more about a file than a common one.
 std::vector<std::string> candidates(IndexStore& index, const std::vector<std::string>& words,
@@ -72,6 +61,17 @@ std::vector<std::string> candidates(IndexStore& index, const std::vector<std::st
 }
 
 } // namespace
+
+std::vector<std::string> contentWords(std::string_view question) {
+    std::vector<std::string> words = EvidenceRetriever::words(question);
+    std::vector<std::string> content;
+    std::copy_if(words.begin(), words.end(), std::back_inserter(content), [](const auto& word) {
+        return !std::binary_search(std::begin(functionWords), std::end(functionWords), word);
+    });
+    if (content.empty()) content = std::move(words);
+    if (content.size() > mostWords) content.resize(mostWords);
+    return content;
+}
 
 std::vector<EvidenceCitation> findEvidence(IndexStore& index, std::string_view question,
                                            std::int64_t limit, const std::stop_token& stop) {

@@ -107,6 +107,45 @@ TEST_F(FileActionCommandTest, FindsDuplicatesAndKeepsTheChosenCopies) {
     EXPECT_TRUE(json({"duplicates"}, 0)["groups"].empty());
 }
 
+TEST_F(FileActionCommandTest, MovesAllButTheBestOfLookAlikePhotos) {
+    const std::string fixtures = std::string(TOVI_TEST_DATA) + "/decoder/";
+    const std::string scan = readFile(fixtures + "scan.png");
+    tree.write("photos/older.png", scan);
+    tree.write("photos/scan.heic", readFile(fixtures + "scan.heic"));
+    tree.write("photos/screenshot.png", readFile(fixtures + "screenshot.png"));
+    tree.write("elsewhere/newer.png", scan);
+    tree.write("photos/words.jpg", "words");
+    tree.setModified("photos/older.png", 1000);
+    index();
+    const Json report = json({"photos"}, 3); // one of them cannot be read
+    EXPECT_EQ(report["considered"], 5);
+    EXPECT_EQ(report["skipped"], 1);
+    ASSERT_EQ(report["groups"].size(), 1U);
+    EXPECT_EQ(report["groups"][0]["files"].size(), 3U);
+    EXPECT_EQ(report["groups"][0]["files"][0]["width"], 1240);
+
+    fs::remove(tree.path("photos/words.jpg"));
+    index();
+    EXPECT_EQ(json({"photos", tree.path("photos")}, 0)["groups"][0]["files"].size(), 2U);
+    const Json receipt = doIt({"photos", "--trash"});
+    EXPECT_EQ(receipt["entries"].size(), 2U);
+    EXPECT_TRUE(fs::exists(report["groups"][0]["keep"].get<std::string>()));
+    EXPECT_TRUE(fs::exists(tree.path("photos/screenshot.png")));
+    index();
+    EXPECT_TRUE(json({"photos"}, 0)["groups"].empty());
+    EXPECT_EQ(run({"undo", receipt["id"].get<std::string>()}).exitCode, 0);
+    EXPECT_EQ(readFile(tree.path("photos/older.png")), scan);
+    EXPECT_EQ(run({"photos", data.path()}).exitCode, 1);
+
+    const std::string thumbnail = data.path("thumbnail.png");
+    const std::string photo = tree.path("photos/scan.heic");
+    EXPECT_EQ(json({"thumbnail", photo, thumbnail, "--pixels", "100"}, 0)["width"], 100);
+    const std::string png = readFile(thumbnail);
+    EXPECT_EQ(png.substr(0, 4), "\x89PNG");
+    EXPECT_EQ(run({"thumbnail", photo, thumbnail}).exitCode, 1) << "nothing is replaced";
+    EXPECT_EQ(readFile(thumbnail), png);
+}
+
 class TrashInteroperability : public FileActionCommandTest {
   protected:
     void SetUp() override {

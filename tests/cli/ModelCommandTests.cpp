@@ -75,10 +75,12 @@ TEST_F(ModelCommandTest, FollowChangesUntilTheyAreToldToStop) {
         test::RunningProgram watch(
             TOVICTL, {"watch", "--interval", "0", "--json", "--data-dir", data.path("library")});
         const auto waitForFiles = [&](int count) {
-            for (Json event; event.value("files", -1) != count;) {
+            for (Json event = Json::object(); event.value("files", -1) != count;) {
                 event = Json::parse(watch.nextLine(), nullptr, false);
                 if (!event.is_object()) return false;
-                if (event["event"] == "freshness") EXPECT_EQ(event["root"], tree.path());
+                if (event["event"] == "freshness") {
+                    EXPECT_EQ(event["root"], tree.path());
+                }
             }
             return true;
         };

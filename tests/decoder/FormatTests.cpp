@@ -1,3 +1,4 @@
+#include "decoder/process/PdfPage.h"
 #include "decoder/process/PdfText.h"
 #include "decoder/process/Picture.h"
 #include "decoder/process/PictureText.h"
@@ -14,6 +15,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <vips/vips.h>
+
+/// Fontconfig keeps what it read of the fonts until the process ends.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
 
 namespace tovi::decoder {
 namespace {
@@ -121,6 +127,24 @@ void damage(const std::string& whole, int rounds, const Read& read) {
             bytes[random() % bytes.size()] = static_cast<char>(random());
         attempt(bytes);
     }
+}
+
+TEST(PdfPage, IsDrawnOnWhite) {
+    prepare(Task::pdfPixels);
+    const std::string pdf = test::makePdf({"(x) Tj ET 1 0 0 rg 0 0 306 792 re f BT (y)", ""});
+    for (const int side : {1, 50, 2048}) {
+        const Picture page = drawFirstPage(bytesOf(pdf), side);
+        EXPECT_EQ(page.height, side);
+        EXPECT_NEAR(page.width, side * 612.0 / 792, 1); // points
+        ASSERT_EQ(page.pixels.size(), static_cast<std::size_t>(page.width * page.height * 3));
+        if (side == 1) continue;
+        EXPECT_EQ(page.pixels[1], std::byte{0}) << "red at the left";
+        EXPECT_EQ(page.pixels[page.pixels.size() - 2], std::byte{255}) << "white at the right";
+    }
+    EXPECT_THROW(drawFirstPage(bytesOf("words"), 9), WrongFormat);
+    EXPECT_THROW(drawFirstPage(bytesOf(test::makePdf({})), 9), std::runtime_error);
+    EXPECT_THROW(drawFirstPage(bytesOf(fixture("user-password.pdf")), 9), std::runtime_error);
+    damage(pdf, 100, [](const auto& bytes) { drawFirstPage(bytesOf(bytes), 32); });
 }
 
 TEST(PdfText, SurvivesDamage) {
@@ -234,16 +258,18 @@ TEST_F(PictureTest, ReadsEveryFormatAndColourSpaceAsRgb) {
 }
 
 TEST_F(PictureTest, TurnsUprightAsTheCameraSays) {
-    const Picture picture = load(redAndBlue(".jpg",
-                                            [](VipsImage* image) {
-                                                vips_image_set_int(image, "orientation", 6);
-                                                return image;
-                                            }),
-                                 64);
-    ASSERT_EQ(picture.width, 32);
-    ASSERT_EQ(picture.height, 64);
-    EXPECT_EQ(colourAt(picture, 16, 8), 'R');
-    EXPECT_EQ(colourAt(picture, 16, 56), 'B');
+    const std::string exif = redAndBlue(".jpg", [](VipsImage* image) {
+        vips_image_set_int(image, "orientation", 6);
+        return image;
+    });
+    for (const std::string& bytes : {exif, fixture("turned.avif")}) {
+        const Picture picture = load(bytes, 64);
+        ASSERT_EQ(picture.width, 32);
+        ASSERT_EQ(picture.height, 64);
+        EXPECT_EQ(picture.fullHeight, 64);
+        EXPECT_EQ(colourAt(picture, 16, 8), 'R');
+        EXPECT_EQ(colourAt(picture, 16, 56), 'B');
+    }
 }
 
 TEST_F(PictureTest, RefusesBombsBeforeDecodingThem) {

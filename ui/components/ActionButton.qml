@@ -46,7 +46,7 @@ Button {
             : button.hovered ? (button.isPrimary || button.isDanger ? Qt.darker(button.fill, 1.06)
                                                                     : Qt.tint(button.fill, Theme.hover))
             : button.fill
-        border.width: button.isPrimary || button.isDanger ? 0 : 1
+        border.width: button.enabled && (button.isPrimary || button.isDanger) ? 0 : 1
         border.color: Theme.border
         FocusRing { control: button }
     }

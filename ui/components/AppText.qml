@@ -10,6 +10,7 @@ Label {
     color: isSecondary ? Theme.secondaryText : Theme.text
     font.pixelSize: Theme.body
     font.weight: isStrong ? Font.DemiBold : Font.Normal
+    horizontalAlignment: Text.AlignLeft // which a mirrored window mirrors
     elide: wrapMode === Text.NoWrap ? Text.ElideRight : Text.ElideNone
     textFormat: Text.PlainText
 }

@@ -11,11 +11,24 @@ Card {
     required property var files
     required property string path
     property int revision: 0
+    /// What was searched for, to be marked in the text.
+    property string phrase: ""
 
     readonly property int row: revision >= 0 && path !== "" ? files.rowOf(path) : -1
     function value(role) {
         return row < 0 ? undefined : files.value(row, role)
     }
+
+    // Someone who runs through a list looks at the last of the files only.
+    Timer {
+        id: pause
+        interval: 120
+        onTriggered: Preview.show(details.row < 0 ? "" : details.path, details.phrase)
+    }
+    onPathChanged: pause.restart()
+    onRowChanged: pause.restart()
+    onPhraseChanged: pause.restart()
+    Component.onCompleted: pause.restart()
 
     Flickable {
         anchors.fill: parent
@@ -29,16 +42,18 @@ Card {
             width: parent.width
             spacing: 12
             Rectangle {
-                Layout.alignment: Qt.AlignHCenter
-                implicitWidth: 72
-                implicitHeight: 72
-                radius: Theme.cardRadius
-                color: Theme.selected
-                AppIcon {
-                    anchors.centerIn: parent
-                    extent: 36
+                Layout.fillWidth: true
+                implicitHeight: picture.isDrawable && !picture.hasFailed ? 190 : 84
+                radius: Theme.controlRadius
+                color: Theme.background
+                FilePicture {
+                    id: picture
+                    anchors.fill: parent
+                    anchors.margins: 8
+                    path: details.row < 0 ? "" : details.path
+                    kind: details.value("kind") || ""
                     symbol: details.value("symbol") || "doc"
-                    color: Theme.accentText
+                    version: details.value("modifiedAt") || 0
                 }
             }
             AppText {
@@ -61,30 +76,58 @@ Card {
                     onClicked: App.reveal(details.path)
                 }
             }
-            Repeater {
-                model: [
-                    { label: qsTr("Kind"), text: details.value("kindTitle") },
-                    { label: qsTr("Size"), text: Format.size(details.value("size") || 0) },
-                    { label: qsTr("Modified"), text: Format.dateTime(details.value("modifiedAt")) },
-                    { label: qsTr("Downloaded"), text: Format.dateTime(details.value("downloadedAt")) },
-                    { label: qsTr("From"), text: details.value("sourceURL") },
-                    { label: qsTr("Text"), text: details.value("contentStatus") },
-                    { label: qsTr("Where"), text: details.value("folder") }
-                ]
+            // What was searched for comes first.
+            GridLayout {
+                Layout.fillWidth: true
+                columns: 1
+                rowSpacing: 12
                 ColumnLayout {
-                    required property var modelData
+                    Layout.row: details.phrase === "" ? 0 : 1
                     Layout.fillWidth: true
-                    visible: !!modelData.text
+                    spacing: 12
+                    Repeater {
+                        model: [
+                            { label: qsTr("Kind"), text: details.value("kindTitle") },
+                            { label: qsTr("Size"), text: Format.size(details.value("size") || 0) },
+                            { label: qsTr("Modified"), text: Format.dateTime(details.value("modifiedAt")) },
+                            { label: qsTr("Downloaded"), text: Format.dateTime(details.value("downloadedAt")) },
+                            { label: qsTr("From"), text: details.value("sourceURL") },
+                            { label: qsTr("Content"), text: details.value("contentStatus") },
+                            { label: qsTr("Where"), text: Format.path(details.value("folder") || "") }
+                        ]
+                        ColumnLayout {
+                            required property var modelData
+                            Layout.fillWidth: true
+                            visible: !!modelData.text
+                            spacing: 0
+                            AppText {
+                                text: modelData.label
+                                isSecondary: true
+                                font.pixelSize: Theme.caption
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                text: modelData.text || ""
+                                wrapMode: Text.Wrap
+                            }
+                        }
+                    }
+                }
+                ColumnLayout {
+                    Layout.row: details.phrase === "" ? 1 : 0
+                    Layout.fillWidth: true
+                    visible: excerpt.excerpt !== ""
                     spacing: 0
                     AppText {
-                        text: modelData.label
+                        text: qsTr("Text")
                         isSecondary: true
                         font.pixelSize: Theme.caption
                     }
-                    AppText {
+                    MarkedText {
+                        id: excerpt
                         Layout.fillWidth: true
-                        text: modelData.text || ""
-                        wrapMode: Text.WrapAnywhere
+                        excerpt: Preview.path === details.path ? Preview.excerpt : ""
+                        isSecondary: true
                     }
                 }
             }

@@ -26,6 +26,13 @@ Menu {
         onTriggered: App.copyIndexedText()
     }
     MenuItem {
+        text: qsTr("Show connections")
+        onTriggered: {
+            App.selection.selectedIDs = [menu.path]
+            App.section = "graph"
+        }
+    }
+    MenuItem {
         text: qsTr("Rename…")
         enabled: menu.chosen.length === 1
         onTriggered: menu.renameRequested(menu.path)

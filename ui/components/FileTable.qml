@@ -11,6 +11,12 @@ FocusScope {
 
     required property var files
     property bool hasMore: false
+    /// Whether the date shown is the one of the download, where it is known.
+    property bool showsDownloadDate: false
+    /// The role by which rows stand together under a heading that stays in sight; its words are
+    /// made by `sectionTitle`.
+    property string sectionRole: ""
+    property var sectionTitle: section => section
     readonly property string currentPath: list.currentIndex < 0 ? "" : pathAt(list.currentIndex)
 
     signal moreWanted
@@ -75,7 +81,7 @@ FocusScope {
                 { title: qsTr("Name"), width: -1, isShown: true },
                 { title: qsTr("Folder"), width: 200, isShown: table.showsFolder },
                 { title: qsTr("Kind"), width: 90, isShown: table.showsKind },
-                { title: qsTr("Modified"), width: 96, isShown: true },
+                { title: table.showsDownloadDate ? qsTr("Downloaded") : qsTr("Modified"), width: 96, isShown: true },
                 { title: qsTr("Size"), width: 76, isShown: true }
             ]
             AppText {
@@ -104,12 +110,30 @@ FocusScope {
         anchors.fill: parent
         anchors.topMargin: header.height + 1
         focus: true
+        activeFocusOnTab: true
         clip: true
         model: table.files
         reuseItems: true
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
         currentIndex: -1
+        section.property: table.sectionRole
+        section.labelPositioning: ViewSection.InlineLabels | ViewSection.CurrentLabelAtStart
+        section.delegate: Rectangle {
+            required property string section
+            width: ListView.view.width
+            height: Theme.rowHeight
+            color: Theme.surface
+            AppText {
+                anchors.fill: parent
+                anchors.leftMargin: 12
+                text: table.sectionTitle(parent.section)
+                verticalAlignment: Text.AlignVCenter
+                color: Theme.accentText
+                isStrong: true
+                Accessible.role: Accessible.Heading
+            }
+        }
         ScrollBar.vertical: ScrollBar {}
         onAtYEndChanged: if (atYEnd && table.hasMore && count > 0) table.moreWanted()
         onActiveFocusChanged: if (activeFocus && currentIndex < 0 && count > 0) currentIndex = 0
@@ -132,8 +156,6 @@ FocusScope {
                     event.modifiers & Qt.ControlModifier ? App.reveal(table.currentPath)
                                                          : App.open(table.currentPath)
                 return
-            case Qt.Key_Space:
-                return table.choose(currentIndex, event.modifiers)
             case Qt.Key_F2:
                 if (table.currentPath)
                     table.renameRequested(table.currentPath)
@@ -168,7 +190,9 @@ FocusScope {
             required property string symbol
             required property var size
             required property var modifiedAt
+            required property var downloadedAt
 
+            readonly property var date: table.showsDownloadDate && downloadedAt ? downloadedAt : modifiedAt
             readonly property bool isChosen: table.isChosen(path)
             readonly property bool isCurrent: ListView.isCurrentItem
 
@@ -176,10 +200,11 @@ FocusScope {
             height: Theme.rowHeight
             padding: 0
             focusPolicy: Qt.NoFocus
+            Keys.onSpacePressed: event => table.choose(row.index, event.modifiers)
             Accessible.role: Accessible.ListItem
             Accessible.name: name
             Accessible.description: qsTr("%1, %2, %3, row %4 of %5").arg(kindTitle)
-                .arg(Format.size(size)).arg(Format.date(modifiedAt)).arg(index + 1).arg(list.count)
+                .arg(Format.size(size)).arg(Format.date(date)).arg(index + 1).arg(list.count)
             Accessible.selected: isChosen
 
             background: Rectangle {
@@ -217,7 +242,7 @@ FocusScope {
                     AppText {
                         visible: table.showsFolder
                         Layout.preferredWidth: 200
-                        text: row.folder
+                        text: Format.path(row.folder)
                         elide: Text.ElideMiddle
                         isSecondary: true
                     }
@@ -229,7 +254,7 @@ FocusScope {
                     }
                     AppText {
                         Layout.preferredWidth: 96
-                        text: Format.date(row.modifiedAt)
+                        text: Format.date(row.date)
                         isSecondary: true
                     }
                     AppText {

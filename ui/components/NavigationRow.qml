@@ -11,7 +11,9 @@ ItemDelegate {
     property bool isCurrent: false
 
     implicitHeight: Theme.rowHeight
+    padding: 0
     leftPadding: 12
+    focusPolicy: isCurrent || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
     rightPadding: 8
     Accessible.role: Accessible.ListItem
     Accessible.name: text

@@ -1,26 +1,17 @@
 #include "ui/desktop/Desktop.h"
 
-#include "app/model/AppModel.h"
-#include "app/monitor/FolderMonitor.h"
-#include "app/runtime/Runtime.h"
 #include "base/Text.h"
 #include "platform/Sandbox.h"
 #include "platform/StandardLocations.h"
-#include "ui/desktop/DesktopIntegration.h"
-#include "ui/desktop/DesktopPorts.h"
+#include "ui/desktop/Application.h"
+#include "ui/desktop/DesktopActivation.h"
 
 #include <QCommandLineParser>
 #include <QFile>
 #include <QGuiApplication>
 #include <QIcon>
-#include <QQmlApplicationEngine>
-#include <QQuickStyle>
 #include <cstdio>
 #include <filesystem>
-
-#include <QtQml/qqmlextensionplugin.h>
-
-Q_IMPORT_QML_PLUGIN(ToviPlugin)
 
 namespace tovi {
 namespace {
@@ -37,7 +28,7 @@ class CommandLine {
     CommandLine() {
         parser_.setApplicationDescription(
             QStringLiteral("Tovi, a private file companion for the desktop."));
-        parser_.addOptions({dataDirectory_, section_, quickSearch_, service_});
+        parser_.addOptions({dataDirectory_, section_, checkPrivacy_, quickSearch_, service_});
     }
 
     /// Prints help or version, which need no display, and ends the program if they are asked for.
@@ -46,6 +37,8 @@ class CommandLine {
         if (parser_.isSet(help_)) parser_.showHelp();
         if (parser_.isSet(version_)) parser_.showVersion();
     }
+
+    bool isPrivacyCheckWanted() const { return parser_.isSet(checkPrivacy_); }
 
     /// Ends the program with a sentence if the line is wrong.
     void read(const QCoreApplication& application) { parser_.process(application); }
@@ -68,6 +61,9 @@ class CommandLine {
     const QCommandLineOption section_{QStringLiteral("section"),
                                       QStringLiteral("The screen to show first."),
                                       QStringLiteral("name")};
+    const QCommandLineOption checkPrivacy_{
+        QStringLiteral("check-privacy"),
+        QStringLiteral("Try to make an internet socket, as the window could, and end.")};
     const QCommandLineOption quickSearch_{QStringLiteral("quick-search"),
                                           QStringLiteral("Show the quick search panel.")};
     const QCommandLineOption service_{
@@ -77,52 +73,14 @@ class CommandLine {
     const QCommandLineOption version_ = parser_.addVersionOption();
 };
 
-std::string decoderPath() {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "tovi-decoder";
+int checkPrivacy() {
+    const bool isRefused = !platform::canMakeInternetSocket();
+    std::printf("Refused to make internet sockets: %s\n", isRefused ? "yes" : "NO");
+    return isRefused ? 0 : 1;
 }
 
-/// Builds the real objects, shows the window and runs until it is closed.
-int run(const CommandLine& commandLine, const Launcher& launcher) {
-    DesktopActivation activation(QDBusConnection::sessionBus());
-    // A data directory of its own is a library of its own, and so an instance of its own.
-    if (!commandLine.isDataDirectoryGiven() &&
-        activation.start(commandLine.isQuickSearch()
-                             ? QString::fromLatin1(DesktopActivation::quickSearchAction)
-                             : QString()) == DesktopActivation::Start::HandedOver) {
-        return 0;
-    }
-    Runtime runtime(decoderPath());
-    WindowFolderPicker folderPicker;
-    SystemClipboard clipboard;
-    SystemFileOpener opener(launcher);
-    AppModel model(
-        {.executor = runtime.executor(),
-         .indexer = runtime.indexer(),
-         .actions = runtime.actions(),
-         .folderPicker = folderPicker,
-         .clipboard = clipboard,
-         .opener = opener,
-         .makeMonitor =
-             [&runtime](std::function<void()> changed) {
-                 return monitorSystemFolders(runtime.executor(), {std::move(changed), {}});
-             }},
-        {.dataDirectory = commandLine.dataDirectory(),
-         .isDataDirectoryGiven = commandLine.isDataDirectoryGiven()});
-    if (!commandLine.section().isEmpty()) model.setSection(commandLine.section());
-
-    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model);
-    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker);
-    QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral(":/qt/qml"));
-    DesktopIntegration integration(runtime.executor(), model, opener, activation, engine);
-    engine.setInitialProperties(
-        {{QStringLiteral("dataDirectory"),
-          QFile::decodeName(QByteArray::fromStdString(commandLine.dataDirectory()))},
-         {QStringLiteral("visible"), !commandLine.isQuickSearch() && !commandLine.isService()}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
-    if (engine.rootObjects().isEmpty()) return 1;
-    if (commandLine.isQuickSearch()) integration.showQuickSearch();
-    return QCoreApplication::exec();
+std::string decoderPath() {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "tovi-decoder";
 }
 
 } // namespace
@@ -133,14 +91,33 @@ int runDesktop(int argc, char** argv) {
         platform::refuseInternetSockets();
         QCoreApplication::setApplicationName(QStringLiteral("tovi"));
         QCoreApplication::setApplicationVersion(QStringLiteral(TOVI_VERSION));
-        QQuickStyle::setStyle(QStringLiteral("Basic"));
         CommandLine commandLine;
         commandLine.answer(argumentsOf(argc, argv));
+        if (commandLine.isPrivacyCheckWanted()) return checkPrivacy();
         QGuiApplication application(argc, argv);
         commandLine.read(application);
         QGuiApplication::setDesktopFileName(QStringLiteral("app.ardeno.Tovi"));
         QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/qt/qml/Tovi/icons/tovi.svg")));
-        return run(commandLine, launcher);
+        DesktopActivation activation(QDBusConnection::sessionBus());
+        // A data directory of its own is a library of its own, and so an instance of its own.
+        if (!commandLine.isDataDirectoryGiven() &&
+            activation.start(commandLine.isQuickSearch()
+                                 ? QString::fromLatin1(DesktopActivation::quickSearchAction)
+                                 : QString()) == DesktopActivation::Start::HandedOver) {
+            return 0;
+        }
+        SystemFileOpener opener(launcher);
+        Application desktop(
+            {.dataDirectory = commandLine.dataDirectory(),
+             .isDataDirectoryGiven = commandLine.isDataDirectoryGiven(),
+             .decoderProgram = decoderPath(),
+             .section = commandLine.section(),
+             .isWindowShown = !commandLine.isQuickSearch() && !commandLine.isService()},
+            opener);
+        if (!desktop.window()) return 1;
+        desktop.integration().obey(activation);
+        if (commandLine.isQuickSearch()) desktop.integration().showQuickSearch();
+        return QCoreApplication::exec();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", printable(error.what()).c_str());
         return 1;

@@ -6,16 +6,13 @@
 namespace tovi {
 
 DesktopIntegration::DesktopIntegration(Executor& executor, AppModel& model, FileOpener& opener,
-                                       DesktopActivation& activation, QQmlApplicationEngine& engine)
+                                       QQmlApplicationEngine& engine)
     : model_(model),
       engine_(engine),
       quickSearch_(executor, *model.search(), opener),
       panel_(engine, quickSearch_) {
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "QuickSearch", &quickSearch_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "HotKey", &hotKey_);
-    connect(&activation, &DesktopActivation::activated, this, &DesktopIntegration::showWindow);
-    connect(&activation, &DesktopActivation::quickSearchRequested, this,
-            &DesktopIntegration::showQuickSearch);
     connect(&hotKey_, &GlobalHotKey::pressed, this, &DesktopIntegration::showQuickSearch);
     connect(&hotKey_, &GlobalHotKey::refused, this,
             [this] { model_.notices()->setError(hotKey_.message().toStdString()); });
@@ -27,6 +24,12 @@ DesktopIntegration::DesktopIntegration(Executor& executor, AppModel& model, File
     });
     // A panel shown before the index was open searches once it is.
     connect(&model, &AppModel::loaded, &panel_, &QuickSearchPanelController::refresh);
+}
+
+void DesktopIntegration::obey(const DesktopActivation& activation) {
+    connect(&activation, &DesktopActivation::activated, this, &DesktopIntegration::showWindow);
+    connect(&activation, &DesktopActivation::quickSearchRequested, this,
+            &DesktopIntegration::showQuickSearch);
 }
 
 QQuickWindow* DesktopIntegration::window() const {

@@ -15,7 +15,10 @@ class DesktopIntegration : public QObject {
 
   public:
     DesktopIntegration(Executor& executor, AppModel& model, FileOpener& opener,
-                       DesktopActivation& activation, QQmlApplicationEngine& engine);
+                       QQmlApplicationEngine& engine);
+
+    /// Does from now on what the session bus asks for.
+    void obey(const DesktopActivation& activation);
 
     void showWindow();
     void showQuickSearch();

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -16,6 +17,7 @@ namespace {
 
 /// Starts xdg-open for every path that comes, until the other end is closed.
 [[noreturn]] void serve(int socket) {
+    ::prctl(PR_SET_NAME, "tovi-launcher");
     std::signal(SIGCHLD, SIG_IGN); // nobody waits for the programs
     std::array<char, PATH_MAX + 1> path{};
     for (;;) {

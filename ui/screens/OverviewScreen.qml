@@ -52,10 +52,12 @@ FocusScope {
                 Repeater {
                     model: [
                         { symbol: "doc", value: Format.count(screen.total), text: qsTr("files indexed"), section: "files" },
-                        { symbol: "folder", value: Format.count(App.folders.roots.count), text: qsTr("connected folders"), section: "settings" },
-                        { symbol: "square.on.square",
+                                                { symbol: "square.on.square",
                           value: App.duplicates.hasSearched ? Format.size(App.duplicates.reclaimableBytes) : qsTr("Find"),
                           text: App.duplicates.hasSearched ? qsTr("in duplicates") : qsTr("exact duplicates"), section: "duplicates" },
+                        { symbol: "externaldrive",
+                          value: Cleanup.hasReport ? Format.size(Cleanup.candidates.bytes) : qsTr("Look"),
+                          text: Cleanup.hasReport ? qsTr("to review") : qsTr("what takes up space"), section: "storage" },
                         { symbol: "clock", value: Format.count(App.plans.actions.count), text: qsTr("changes made"), section: "activity" }
                     ]
                     OverviewCard {
@@ -102,6 +104,7 @@ FocusScope {
                                 Layout.fillWidth: true
                                 implicitHeight: 10
                                 Rectangle {
+                                    anchors.left: parent.left
                                     width: Math.max(4, parent.width * kind.modelData.count / screen.total)
                                     height: parent.height
                                     radius: 5

@@ -36,7 +36,7 @@ FocusScope {
                 title: qsTr("Network")
                 Statement {
                     symbol: "lock.shield"
-                    text: qsTr("Tovi cannot open an internet connection: the system refuses it to every one of its processes from their start.")
+                    text: qsTr("Tovi cannot open an internet connection: the system refuses it to this window and to all that reads your files. Only the programs that you open files with keep theirs.")
                 }
                 Statement {
                     symbol: "hand.raised"
@@ -54,7 +54,7 @@ FocusScope {
                 }
                 Statement {
                     symbol: "folder"
-                    text: qsTr("Kept in %1, readable by you alone.").arg(screen.dataDirectory)
+                    text: qsTr("Kept in %1, readable by you alone.").arg(Format.path(screen.dataDirectory))
                 }
                 Statement {
                     symbol: "xmark"

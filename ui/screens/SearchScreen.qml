@@ -12,7 +12,10 @@ FocusScope {
     readonly property var found: App.search.results
     readonly property bool hasAnswer: App.search.activeSearchText !== ""
 
+    property bool isAsking: false
+
     function begin() {
+        isAsking = false
         field.forceActiveFocus()
         field.selectAll()
     }
@@ -31,21 +34,44 @@ FocusScope {
         ScreenHeader {
             Layout.fillWidth: true
             title: screen.title
-            subtitle: !screen.hasAnswer ? ""
+            subtitle: screen.isAsking ? passages.summary : !screen.hasAnswer ? ""
                 : qsTr("%1 in %2 ms").arg(
                     (App.search.hasMoreSearchResults ? qsTr("more than ") : "")
                     + Format.counted(screen.found.count, qsTr("result"), qsTr("results")))
                     .arg(Math.max(1, Math.round(App.search.searchSeconds * 1000)))
             ActionButton {
+                visible: !screen.isAsking
                 text: qsTr("Save search")
                 symbol: "star"
                 enabled: screen.hasAnswer
                 onClicked: App.savedSearches.saveSearch("", App.search.activeSearchText)
             }
+            FilterButton {
+                objectName: "search-find"
+                text: qsTr("Find files")
+                isCurrent: !screen.isAsking
+                onClicked: screen.begin()
+            }
+            FilterButton {
+                objectName: "search-ask"
+                text: qsTr("Ask")
+                isCurrent: screen.isAsking
+                onClicked: {
+                    screen.isAsking = true
+                    passages.begin()
+                }
+            }
+        }
+        AskPassages {
+            id: passages
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: screen.isAsking
         }
 
         InputField {
             id: field
+            visible: !screen.isAsking
             Layout.fillWidth: true
             implicitHeight: 44
             font.pixelSize: Theme.subtitle
@@ -69,7 +95,7 @@ FocusScope {
         Flow {
             Layout.fillWidth: true
             spacing: 8
-            visible: App.search.chips.length > 0
+            visible: !screen.isAsking && App.search.chips.length > 0
             Repeater {
                 model: App.search.chips
                 Chip {
@@ -79,25 +105,39 @@ FocusScope {
             }
         }
 
-        Card {
+        SplitView {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: screen.found.count > 0
-            FileTable {
-                id: table
-                anchors.fill: parent
-                anchors.margins: 8
+            visible: !screen.isAsking && screen.found.count > 0
+            handle: Item { implicitWidth: 16 }
+            Card {
+                SplitView.fillWidth: true
+                SplitView.minimumWidth: 380
+                FileTable {
+                    id: table
+                    anchors.fill: parent
+                    anchors.margins: 8
+                    files: screen.found
+                    hasMore: App.search.hasMoreSearchResults
+                    onMoreWanted: App.search.loadMoreSearchResults()
+                    onRenameRequested: path => renameSheet.ask(path)
+                }
+            }
+            FileDetails {
+                SplitView.preferredWidth: 320
+                SplitView.minimumWidth: 220
+                visible: screen.width > 900
                 files: screen.found
-                hasMore: App.search.hasMoreSearchResults
-                onMoreWanted: App.search.loadMoreSearchResults()
-                onRenameRequested: path => renameSheet.ask(path)
+                revision: App.search.resultsRevision
+                path: table.currentPath
+                phrase: App.search.activeSearchText
             }
         }
 
         Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: screen.found.count === 0
+            visible: !screen.isAsking && screen.found.count === 0
             EmptyState {
                 anchors.centerIn: parent
                 visible: screen.hasAnswer

@@ -53,7 +53,7 @@ FocusScope {
                             }
                             AppText {
                                 Layout.fillWidth: true
-                                text: root.available ? root.path : qsTr("Not available now: %1").arg(root.path)
+                                text: root.available ? Format.path(root.path) : qsTr("Not available now: %1").arg(Format.path(root.path))
                                 elide: Text.ElideMiddle
                                 isSecondary: true
                                 font.pixelSize: Theme.caption
@@ -95,8 +95,8 @@ FocusScope {
                         color: Theme.text
                         selectByMouse: true
                         Accessible.name: qsTr("Names left out")
-                        KeyNavigation.priority: KeyNavigation.BeforeItem
-                        KeyNavigation.tab: apply
+                        Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+                        Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                         background: Rectangle {
                             radius: Theme.controlRadius
                             color: Theme.background

@@ -117,7 +117,7 @@ FocusScope {
                             spacing: 8
                             AppText {
                                 Layout.fillWidth: true
-                                text: modelData
+                                text: Format.path(modelData)
                                 elide: Text.ElideMiddle
                                 isSecondary: true
                             }

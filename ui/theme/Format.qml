@@ -4,6 +4,13 @@ import QtQuick
 
 /// Sizes, dates and counts as people read them, in the user's language.
 QtObject {
+    /// The folder that "~" stands for; set by the window.
+    property string home: ""
+
+    function path(value) {
+        return home !== "" && (value + "/").startsWith(home + "/") ? "~" + value.substring(home.length) : value
+    }
+
     function size(bytes) {
         return Qt.locale().formattedDataSize(bytes, bytes < 1000 ? 0 : 1, Locale.DataSizeSIFormat)
     }
@@ -27,5 +34,20 @@ QtObject {
 
     function fileName(path) {
         return path.substring(path.lastIndexOf("/") + 1)
+    }
+
+    /// A day, week or month by its start, in ISO 8601.
+    function period(start, unit) {
+        const day = new Date(start)
+        if (unit === "month")
+            return day.toLocaleDateString(Qt.locale(), "MMMM yyyy")
+        const written = day.toLocaleDateString(Qt.locale(), "d MMMM yyyy")
+        if (unit === "week")
+            return qsTr("Week of %1").arg(written)
+        const today = new Date()
+        today.setHours(0, 0, 0, 0)
+        const days = Math.round((today - day) / 86400000)
+        return days === 0 ? qsTr("Today") : days === 1 ? qsTr("Yesterday")
+            : day.toLocaleDateString(Qt.locale(), "ddd d MMMM yyyy")
     }
 }

@@ -2,25 +2,15 @@
 
 #include "core/actions/FileActionService.h"
 #include "tests/support/FileMoveFakes.h"
+#include "tests/support/ManualAvailability.h"
 #include "tests/support/TemporaryTree.h"
 
 #include <filesystem>
-#include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tovi {
-
-class ManualAvailability final : public platform::Availability {
-  public:
-    using Availability::isAvailableLocally;
-    bool isAvailableLocally(const std::string& path,
-                            const platform::ExtendedAttributes&) const override {
-        return !away.contains(path);
-    }
-    std::set<std::string> away;
-};
 
 /// A service on a tree of its own, whose clock, Trash and moves the test controls.
 class ServiceFixture : public testing::Test {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "core/cleanup/CleanupScanner.h"
+#include "tests/support/ManualAvailability.h"
 #include "tests/support/TemporaryTree.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,16 +14,6 @@
 #include <sys/xattr.h>
 
 namespace tovi {
-
-class AwayFiles final : public platform::Availability {
-  public:
-    using Availability::isAvailableLocally;
-    bool isAvailableLocally(const std::string& path,
-                            const platform::ExtendedAttributes&) const override {
-        return !away.contains(path);
-    }
-    std::set<std::string> away;
-};
 
 /// A home folder of its own and a scan of it at a moment that the test chooses.
 class CleanupFixture : public testing::Test {
@@ -81,7 +71,7 @@ class CleanupFixture : public testing::Test {
     test::TemporaryTree data;
     Date now{1'700'000'000};
     CleanupDiscoveryMetadata metadata{data.path()};
-    AwayFiles availability;
+    ManualAvailability availability;
 };
 
 } // namespace tovi

@@ -1,0 +1,61 @@
+#include "app/library/PreviewModel.h"
+
+#include "app/library/TextExcerpt.h"
+#include "app/lists/QtConversions.h"
+#include "core/library/EvidenceSearch.h"
+#include "core/search/QueryParser.h"
+
+#include <QRegularExpression>
+
+namespace tovi {
+namespace {
+
+QStringList toQt(const std::vector<std::string>& words) {
+    QStringList list;
+    for (const std::string& word : words)
+        list.append(tovi::toQt(word));
+    return list;
+}
+
+/// The lines of a PDF are as long as its page is wide, which is no line of the preview's.
+QString readable(const FileRecord& file) {
+    static const QRegularExpression lineEnd(QStringLiteral("(?<!\\n)\\n(?!\\n)"));
+    QString text = tovi::toQt(file.content).trimmed();
+    return file.kind == FileKind::pdf ? text.replace(lineEnd, QStringLiteral(" ")) : text;
+}
+
+} // namespace
+
+void PreviewModel::setIndex(std::shared_ptr<IndexStore> index) {
+    index_ = std::move(index);
+    show({}, {});
+}
+
+void PreviewModel::show(const QString& path, const QString& phrase) {
+    generation_.cancel();
+    path_ = path;
+    excerpt_.clear();
+    isLoading_ = index_ && !path.isEmpty();
+    Q_EMIT changed();
+    if (!isLoading_) return;
+    runLatest(
+        executor_, this, generation_,
+        [index = index_, path = fromQt(path), phrase = fromQt(phrase)](const std::stop_token&) {
+            const auto file = index->record(path);
+            if (!file) return QString();
+            const std::string text = QueryParser().parse(phrase, Date::now()).text;
+            return markedExcerpt(readable(*file), toQt(EvidenceRetriever::words(text)),
+                                 longestExcerpt);
+        },
+        [this](const Outcome<QString>& outcome) {
+            isLoading_ = false;
+            excerpt_ = outcome.value.value_or(QString());
+            Q_EMIT changed();
+        });
+}
+
+QString PreviewModel::marked(const QString& text, const QString& question) const {
+    return markedExcerpt(text, toQt(contentWords(fromQt(question))), text.size());
+}
+
+} // namespace tovi

@@ -1,0 +1,60 @@
+#include "app/library/TextExcerpt.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+
+namespace tovi {
+namespace {
+
+constexpr qsizetype before = 160; // the first word
+constexpr qsizetype longestWord = 24;
+
+/// Matches nothing without words.
+QRegularExpression patternOf(const QStringList& words) {
+    QStringList escaped;
+    for (const QString& word : words) {
+        if (!word.isEmpty()) escaped.append(QRegularExpression::escape(word));
+    }
+    const QString any = escaped.isEmpty() ? QStringLiteral("(?!)") : escaped.join(u'|');
+    return QRegularExpression(QStringLiteral("(?<![\\p{L}\\p{N}])(?:%1)").arg(any),
+                              QRegularExpression::CaseInsensitiveOption |
+                                  QRegularExpression::UseUnicodePropertiesOption);
+}
+
+/// The start of the next word, if it is near; else of the next character.
+qsizetype nextWord(const QString& text, qsizetype at) {
+    const qsizetype end = std::min(text.size(), at + longestWord);
+    const auto space = std::find_if(text.begin() + at, text.begin() + end,
+                                    [](QChar letter) { return letter.isSpace(); });
+    if (space != text.begin() + end) return space - text.begin() + 1;
+    return text[at].isLowSurrogate() ? at + 1 : at;
+}
+
+QString escaped(QStringView part) {
+    return part.toString().toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
+}
+
+} // namespace
+
+QString markedExcerpt(const QString& text, const QStringList& words, qsizetype limit) {
+    const QRegularExpression pattern = patternOf(words);
+    qsizetype begin = std::max<qsizetype>(0, pattern.match(text).capturedStart() - before);
+    if (begin > 0) begin = nextWord(text, begin);
+    qsizetype end = std::min(text.size(), begin + limit);
+    if (end < text.size() && end > begin && text[end].isLowSurrogate()) --end;
+    const QString shown = text.mid(begin, end - begin);
+
+    QString html = begin > 0 ? QStringLiteral("… ") : QString();
+    qsizetype done = 0;
+    for (auto found = pattern.globalMatch(shown); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        html += escaped(QStringView(shown).mid(done, match.capturedStart() - done));
+        html += QStringLiteral("<b>") + escaped(match.capturedView()) + QStringLiteral("</b>");
+        done = match.capturedEnd();
+    }
+    html += escaped(QStringView(shown).mid(done));
+    if (end < text.size()) html += QStringLiteral(" …");
+    return html;
+}
+
+} // namespace tovi

@@ -1,0 +1,342 @@
+#include "platform/Sandbox.h"
+#include "tests/ui/UiTestMain.h"
+#include "ui/desktop/Application.h"
+
+#include <QAccessible>
+#include <QFile>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTest>
+#include <filesystem>
+#include <set>
+
+#include <gmock/gmock.h>
+
+namespace tovi {
+namespace {
+
+using test::uiProcess;
+using testing::IsEmpty;
+
+QStringList& warnings() {
+    static QStringList list;
+    return list;
+}
+
+void noteWarning(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type != QtDebugMsg && type != QtInfoMsg) warnings().append(text);
+}
+
+bool needsName(QAccessible::Role role) {
+    static const std::set<QAccessible::Role> roles{
+        QAccessible::Button,       QAccessible::CheckBox,   QAccessible::RadioButton,
+        QAccessible::EditableText, QAccessible::ListItem,   QAccessible::List,
+        QAccessible::Table,        QAccessible::ComboBox,   QAccessible::Slider,
+        QAccessible::Dialog,       QAccessible::ProgressBar};
+    return roles.contains(role);
+}
+
+bool isControl(QAccessible::Role role) {
+    return role == QAccessible::Button || role == QAccessible::CheckBox ||
+           role == QAccessible::RadioButton || role == QAccessible::EditableText;
+}
+
+/// The real window on a data directory of its own, used like someone without a mouse or a screen:
+/// keys go in, and what assistive technology is told comes out. One window a process.
+class Window : public testing::Test {
+  protected:
+    Window() {
+        qInstallMessageHandler(noteWarning);
+        QAccessible::setActive(true);
+    }
+
+    ~Window() override {
+        EXPECT_THAT(warnings(), IsEmpty()) << warnings().join(u'\n').toStdString();
+    }
+
+    void open() {
+        application_.emplace(Application::Options{.dataDirectory = uiProcess().home.path("index"),
+                                                  .isDataDirectoryGiven = true,
+                                                  .decoderProgram = TOVI_DECODER,
+                                                  .section = {}},
+                             opener_);
+        ASSERT_NE(window(), nullptr);
+        window()->requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return model().isLoaded(); }));
+    }
+
+    AppModel& model() { return application_->model(); }
+    QQuickWindow* window() { return application_->window(); }
+
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(window(), key, modifiers);
+    }
+
+    void type(const QString& text) {
+        for (const QChar letter : text)
+            QTest::keyClick(window(), letter.toLatin1());
+    }
+
+    static QString nameOf(QAccessibleInterface* told) {
+        return told->text(told->state().passwordEdit ? QAccessible::Description
+                                                     : QAccessible::Name);
+    }
+
+    static QString nameOf(const QQuickItem* item) {
+        auto* told = QAccessible::queryAccessibleInterface(const_cast<QQuickItem*>(item));
+        return told ? nameOf(told) : QString();
+    }
+
+    /// The name of what has the keyboard, or of the control that it is a part of.
+    QString focused() {
+        const QQuickItem* item = window()->activeFocusItem();
+        while (item->parentItem() && nameOf(item).isEmpty())
+            item = item->parentItem();
+        return nameOf(item);
+    }
+
+    /// Everything that is told of what is visible.
+    std::vector<QAccessibleInterface*> told() {
+        std::vector<QAccessibleInterface*> found;
+        const std::function<void(QAccessibleInterface*)> walk = [&](QAccessibleInterface* at) {
+            for (int child = 0; child < at->childCount(); ++child) {
+                QAccessibleInterface* next = at->child(child);
+                if (!next || next->state().invisible) continue;
+                found.push_back(next);
+                walk(next);
+            }
+        };
+        walk(QAccessible::queryAccessibleInterface(window()));
+        return found;
+    }
+
+    bool isTold(const QString& text) {
+        const auto all = told();
+        return std::any_of(all.begin(), all.end(), [&](QAccessibleInterface* each) {
+            return (each->text(QAccessible::Name) + each->text(QAccessible::Value) +
+                    each->text(QAccessible::Description))
+                .contains(text);
+        });
+    }
+
+    /// Tabs until the control has the keyboard.
+    void tabTo(const QString& name) {
+        for (int step = 0; step < 150 && focused() != name; ++step)
+            key(Qt::Key_Tab);
+        ASSERT_EQ(focused(), name);
+    }
+
+    void connectFolder(const std::string& folder) {
+        tabTo(QStringLiteral("Add folder"));
+        key(Qt::Key_Space);
+        QObject* dialog = window()->findChild<QObject*>(QStringLiteral("folder-dialog"));
+        ASSERT_NE(dialog, nullptr);
+        dialog->setProperty("selectedFolder", QUrl::fromLocalFile(QString::fromStdString(folder)));
+        ASSERT_TRUE(QMetaObject::invokeMethod(dialog, "accept"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return model().folders()->roots().size() == 1; }));
+    }
+
+    void waitForFiles(int count) {
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] {
+                return !model().scan()->isIndexing() &&
+                       model().library()->files()->count() == count;
+            },
+            20'000))
+            << model().notices()->statusMessage().toStdString();
+    }
+
+    /// Every control has a name, and Tab reaches every one that can be used.
+    void checkScreen(const QString& section) {
+        SCOPED_TRACE(section.toStdString());
+        std::multiset<QString> unreached;
+        for (QAccessibleInterface* each : told()) {
+            const QString name = nameOf(each);
+            EXPECT_FALSE(needsName(each->role()) && name.isEmpty())
+                << "no name: " << each->role() << " " << each->object()->metaObject()->className();
+            if (isControl(each->role()) && each->object()->property("enabled").toBool())
+                unreached.insert(name);
+        }
+        key(Qt::Key_Tab);
+        const QQuickItem* first = window()->activeFocusItem();
+        for (int step = 0; step < 150; ++step) {
+            const QQuickItem* item = window()->activeFocusItem();
+            EXPECT_TRUE(item->isVisible() && !focused().isEmpty())
+                << "the keyboard is nowhere: " << item->metaObject()->className();
+            unreached.erase(focused());
+            key(Qt::Key_Tab);
+            if (window()->activeFocusItem() == first) break;
+        }
+        QStringList names(unreached.begin(), unreached.end());
+        EXPECT_TRUE(names.isEmpty()) << "not reached with Tab: " << names.join(u", ").toStdString();
+    }
+
+    void checkAllScreens() {
+        for (const QVariant& each : window()->property("sections").toList()) {
+            const QString section = each.toMap().value(QStringLiteral("id")).toString();
+            model().setSection(section);
+            QCoreApplication::processEvents();
+            EXPECT_TRUE(isTold(each.toMap().value(QStringLiteral("text")).toString()));
+            checkScreen(section);
+        }
+    }
+
+    test::TemporaryTree files_;
+    SystemFileOpener opener_{uiProcess().launcher};
+    std::optional<Application> application_;
+};
+
+TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithoutFiles) {
+    open();
+    checkAllScreens();
+}
+
+TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
+    for (int at = 0; at < 40; ++at)
+        files_.write("note " + std::to_string(at) + ".txt", "same words");
+    files_.write(std::string(240, 'w') + ".md", "a long name");
+    files_.write("a\nb <b>c</b>.txt", "an odd name");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(42);
+    model().spaces()->createSpace(QStringLiteral("Trip"),
+                                  {QString::fromStdString(files_.path("note 1.txt"))});
+    model().duplicates()->findDuplicates();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().duplicates()->hasSearched(); }));
+    checkAllScreens();
+}
+
+TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
+    const std::string lease = files_.write("home/lease.txt", "the notice period is three months");
+    files_.write("home/recipe.txt", "rye bread");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(2);
+
+    key(Qt::Key_F, Qt::ControlModifier);
+    type(QStringLiteral("notice period"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().search()->results()->count() == 1; }));
+    key(Qt::Key_Down);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("lease.txt")); }));
+
+    key(Qt::Key_Return);
+    const std::string opened = uiProcess().home.path("opened");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(opened); }));
+    EXPECT_EQ(test::readFile(opened), lease + "\nonline");
+    EXPECT_FALSE(platform::canMakeInternetSocket());
+
+    key(Qt::Key_Space);
+    key(Qt::Key_Delete);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }))
+        << focused().toStdString() << model().notices()->errorMessage().toStdString();
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !model().plans()->proposedPlan(); }));
+    EXPECT_TRUE(std::filesystem::exists(lease));
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("lease.txt"); }));
+    key(Qt::Key_Delete);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }));
+    tabTo(QStringLiteral("Move 1 file to Trash"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !std::filesystem::exists(lease); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Undo")); }));
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
+    key(Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(lease); }))
+        << focused().toStdString() << model().notices()->errorMessage().toStdString();
+}
+
+TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
+    const std::string installer = files_.write("studio.dmg", "an old installer");
+    files_.setModified("studio.dmg", Date::now().seconds - 40 * 86'400);
+    open();
+    connectFolder(files_.path());
+    waitForFiles(1);
+    model().setSection(QStringLiteral("storage"));
+    application_->cleanup().scan();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return application_->cleanup().candidates()->count() == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !application_->cleanup().isScanning(); }));
+    checkScreen(QStringLiteral("storage"));
+    tabTo(QStringLiteral("Installers"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("studio.dmg")); }));
+    tabTo(QStringLiteral("studio.dmg"));
+    key(Qt::Key_Space);
+    tabTo(QStringLiteral("Review 1 item, 16 bytes…"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }))
+        << model().notices()->errorMessage().toStdString();
+    tabTo(QStringLiteral("Move 1 item to Trash"));
+    EXPECT_EQ(window()->activeFocusItem()->objectName(), QStringLiteral("cleanup-confirm-trash"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !std::filesystem::exists(installer); }));
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
+    tabTo(QStringLiteral("History"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Undo")); }));
+    tabTo(QStringLiteral("Undo"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(installer); }));
+}
+
+TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
+    const std::string letter = files_.write("letter.txt", "dear diary");
+    const QString password = QStringLiteral("plum cake on sunday");
+    const auto isUnlocked = [&] {
+        return application_->vault().phase() == VaultModel::Phase::unlocked;
+    };
+    open();
+    model().setSection(QStringLiteral("vault"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Meet your Vault.")); }));
+    checkScreen(QStringLiteral("a new vault"));
+    tabTo(QStringLiteral("Create a vault password"));
+    type(password);
+    EXPECT_FALSE(isTold(QStringLiteral("plum")));
+    key(Qt::Key_Return);
+    type(password);
+    key(Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor(isUnlocked, 30'000))
+        << application_->vault().errorMessage().toStdString();
+
+    application_->vault().importFiles({letter});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("letter.txt")); }));
+    checkScreen(QStringLiteral("an open vault"));
+    tabTo(QStringLiteral("Export letter.txt"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return window()->activeFocusItem()->objectName() == QStringLiteral("vault-export-filename");
+    }));
+    key(Qt::Key_Return);
+    const std::string copy = uiProcess().home.path("Documents/letter.txt");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(copy); }));
+    EXPECT_EQ(test::readFile(copy), "dear diary");
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Cancel")); }));
+    tabTo(QStringLiteral("Lock now"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Your vault is locked.")); }));
+    EXPECT_FALSE(isTold(QStringLiteral("letter.txt")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !application_->vault().isBusy(); }));
+    tabTo(QStringLiteral("Vault password"));
+    type(QStringLiteral("plum tart"));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return !application_->vault().errorMessage().isEmpty(); }, 30'000));
+    EXPECT_EQ(focused(), QStringLiteral("Vault password"));
+    type(password); // the wrong one is selected, so this replaces it
+    key(Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor(isUnlocked, 30'000));
+
+    window()->close();
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return application_->vault().lockReason() ==
+               QStringLiteral("Locked when the window closed.");
+    }));
+}
+
+} // namespace
+} // namespace tovi

@@ -1,0 +1,64 @@
+import QtQuick
+import QtQuick.Layouts
+import Tovi
+import Tovi.Models
+
+/// A passage and the file it stands in.
+Card {
+    id: card
+
+    required property string excerpt
+    required property string path
+    required property string name
+    required property var file
+    required property string question
+    property string place: ""
+    property bool isFocused: false
+
+    height: column.implicitHeight + 32
+    border.width: isFocused ? 2 : 1
+    border.color: isFocused ? Theme.accent : Theme.border
+    Accessible.role: Accessible.ListItem
+    Accessible.name: name
+    Accessible.description: excerpt + ", " + place
+
+    ColumnLayout {
+        id: column
+        anchors.fill: parent
+        anchors.margins: 16
+        spacing: 10
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 10
+            AppIcon { symbol: card.file.symbol }
+            AppText {
+                text: card.name
+                isStrong: true
+                Layout.maximumWidth: card.width / 2
+                elide: Text.ElideMiddle
+            }
+            AppText {
+                Layout.fillWidth: true
+                text: Format.path(card.file.folder) + "  ·  " + Format.date(card.file.modifiedAt)
+                elide: Text.ElideMiddle
+                isSecondary: true
+                font.pixelSize: Theme.caption
+            }
+            ActionButton {
+                text: qsTr("Open")
+                Accessible.description: card.name
+                onClicked: App.open(card.path)
+            }
+            ActionButton {
+                text: qsTr("Show in folder")
+                Accessible.description: card.name
+                onClicked: App.reveal(card.path)
+            }
+        }
+        MarkedText {
+            Layout.fillWidth: true
+            excerpt: Preview.marked(card.excerpt, card.question)
+            lineHeight: 1.25
+        }
+    }
+}

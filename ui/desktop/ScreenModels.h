@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/installed/InstalledModel.h"
+#include "app/library/DownloadsModel.h"
+#include "app/library/EvidenceModel.h"
+#include "app/library/GraphModel.h"
+#include "app/library/PreviewModel.h"
+#include "app/library/TimelineModel.h"
+#include "app/model/AppModel.h"
+#include "app/photos/SimilarPhotosModel.h"
+#include "app/runtime/Runtime.h"
+
+namespace tovi {
+
+/// The models of single screens, beside the running state whose index they follow. QML knows them
+/// as Downloads, Evidence, Timeline, Graph, Preview, LookAlikes and Installed, and this as Screens.
+class ScreenModels : public QObject {
+    Q_OBJECT
+
+  public:
+    ScreenModels(AppModel& model, Runtime& runtime);
+
+    /// Compares the indexed pictures of one connected folder, or of all of them if it is empty;
+    /// again after files were moved.
+    Q_INVOKABLE void findLookAlikes(const QString& folder);
+
+  Q_SIGNALS:
+    /// The models read another index, or none. Comes after `AppModel::loaded`, which QML hears
+    /// before they do.
+    void indexChanged();
+
+  private:
+    void followIndex();
+
+    AppModel& model_;
+    Executor& executor_;
+    DownloadsModel downloads_;
+    EvidenceModel evidence_;
+    TimelineModel timeline_;
+    GraphModel graph_;
+    PreviewModel preview_;
+    SimilarPhotosModel lookAlikes_;
+    InstalledModel installed_;
+    SharedIndex index_;
+    QString comparedFolder_;
+    Generation picturesGeneration_;
+};
+
+} // namespace tovi

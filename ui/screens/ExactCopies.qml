@@ -1,0 +1,188 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Tovi
+import Tovi.Models
+
+/// Files that are byte for byte the same. In every group one copy stays.
+FocusScope {
+    id: screen
+
+    readonly property string summary: groups.count > 0
+        ? qsTr("%1, %2 reclaimable").arg(Format.counted(groups.count, qsTr("group"), qsTr("groups")))
+            .arg(Format.size(App.duplicates.reclaimableBytes))
+        : ""
+    readonly property var groups: App.duplicates.duplicates
+    readonly property bool isBusy: App.duplicates.isFindingDuplicates
+    property string keep: "newest"
+
+    /// The files of a group that go and the one that stays, by the rule chosen.
+    function split(files) {
+        const better = (left, right) => keep === "newest" ? left.modifiedAt > right.modifiedAt
+            : keep === "oldest" ? left.modifiedAt < right.modifiedAt
+            : left.path.length < right.path.length
+        let stays = files[0]
+        for (const file of files) {
+            if (better(file, stays))
+                stays = file
+        }
+        return { stays: stays.path, go: files.filter(file => file !== stays).map(file => file.path) }
+    }
+    function propose(rows) {
+        let go = [], stay = []
+        for (const row of rows) {
+            const parts = split(groups.value(row, "files"))
+            go = go.concat(parts.go)
+            stay.push(parts.stays)
+        }
+        App.proposeDuplicateTrash(go, stay)
+    }
+    function proposeAll() {
+        propose(Array.from({ length: groups.count }, (_, row) => row))
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 16
+
+        RowLayout {
+            Layout.fillWidth: true
+            visible: screen.groups.count > 0 && !screen.isBusy
+            spacing: 8
+            SettingsChoice {
+                Layout.fillWidth: true
+                label: qsTr("Keep of each group")
+                options: [
+                    { value: "newest", text: qsTr("The newest") },
+                    { value: "oldest", text: qsTr("The oldest") },
+                    { value: "shortest", text: qsTr("The shortest path") }
+                ]
+                current: screen.keep
+                onChosen: value => screen.keep = value
+            }
+            ActionButton {
+                text: qsTr("Search again")
+                symbol: "arrow.clockwise"
+                onClicked: App.duplicates.findDuplicates()
+            }
+            ActionButton {
+                text: qsTr("Review all…")
+                isPrimary: true
+                onClicked: screen.proposeAll()
+            }
+        }
+
+        ListView {
+            id: list
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: count > 0 && !screen.isBusy
+            focus: true
+            clip: true
+            spacing: 12
+            model: screen.groups
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar {}
+            Accessible.role: Accessible.List
+            Accessible.name: qsTr("Groups of the same files")
+            delegate: Card {
+                id: group
+
+                required property int index
+                required property var files
+                required property int count
+                required property var reclaimableBytes
+                readonly property string stays: screen.split(files).stays
+                readonly property string heading: qsTr("%1, %2 reclaimable")
+                    .arg(Format.counted(count, qsTr("copy"), qsTr("copies"))).arg(Format.size(reclaimableBytes))
+
+                width: ListView.view.width
+                height: column.implicitHeight + 32
+                Accessible.role: Accessible.ListItem
+                Accessible.name: heading
+                Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(list.count)
+
+                ColumnLayout {
+                    id: column
+                    anchors.fill: parent
+                    anchors.margins: 16
+                    spacing: 8
+                    RowLayout {
+                        Layout.fillWidth: true
+                        AppText {
+                            Layout.fillWidth: true
+                            text: group.heading
+                            isStrong: true
+                        }
+                        ActionButton {
+                            text: qsTr("Review…")
+                            Accessible.name: qsTr("Review %1").arg(group.heading)
+                            onClicked: screen.propose([group.index])
+                        }
+                    }
+                    Repeater {
+                        model: group.files
+                        RowLayout {
+                            required property var modelData
+                            Layout.fillWidth: true
+                            spacing: 12
+                            AppIcon { symbol: modelData.symbol }
+                            AppText {
+                                Layout.fillWidth: true
+                                text: Format.path(modelData.path)
+                                elide: Text.ElideMiddle
+                            }
+                            AppText {
+                                text: Format.date(modelData.modifiedAt)
+                                isSecondary: true
+                            }
+                            Chip {
+                                visible: modelData.path === group.stays
+                                text: qsTr("Keep")
+                                symbol: "checkmark"
+                            }
+                        }
+                    }
+                }
+            }
+        }
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: list.count === 0 || screen.isBusy
+            EmptyState {
+                anchors.centerIn: parent
+                visible: !screen.isBusy
+                symbol: App.duplicates.hasSearched ? "checkmark.circle" : "square.on.square"
+                title: App.duplicates.hasSearched ? qsTr("No duplicates") : qsTr("Find exact duplicates")
+                sentence: App.duplicates.hasSearched
+                    ? qsTr("No two of your indexed files are the same.")
+                    : qsTr("Files of the same size are compared byte for byte. Nothing is changed.")
+                action: App.duplicates.hasSearched ? "" : qsTr("Find duplicates")
+                onActed: App.duplicates.findDuplicates()
+            }
+            ColumnLayout {
+                anchors.centerIn: parent
+                width: 360
+                visible: screen.isBusy
+                spacing: 12
+                AppText {
+                    Layout.alignment: Qt.AlignHCenter
+                    text: qsTr("Comparing %1 of %2 files").arg(Format.count(App.duplicates.filesDone))
+                        .arg(Format.count(App.duplicates.filesToRead))
+                }
+                ProgressLine {
+                    Layout.fillWidth: true
+                    label: qsTr("Files compared")
+                    value: App.duplicates.filesToRead > 0
+                        ? App.duplicates.filesDone / App.duplicates.filesToRead : 0
+                }
+                ActionButton {
+                    Layout.alignment: Qt.AlignHCenter
+                    text: qsTr("Cancel")
+                    onClicked: App.duplicates.cancel()
+                }
+            }
+        }
+    }
+}

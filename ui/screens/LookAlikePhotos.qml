@@ -1,0 +1,198 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Tovi
+import Tovi.Models
+
+/// Photos that look alike, in groups; marked ones go through the review like every change.
+FocusScope {
+    id: screen
+
+    readonly property var marked: LookAlikes.selectedIDs
+    readonly property string summary: LookAlikes.status
+    property string folder: ""
+
+    function isMarked(path) {
+        return marked.indexOf(path) >= 0
+    }
+    function check() {
+        Screens.findLookAlikes(folder)
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 16
+
+        Flow {
+            Layout.fillWidth: true
+            spacing: 8
+            visible: App.folders.roots.count > 1 && !LookAlikes.isScanning
+            FilterButton {
+                text: qsTr("All folders")
+                isCurrent: screen.folder === ""
+                onClicked: screen.folder = ""
+            }
+            Repeater {
+                model: App.folders.roots
+                FilterButton {
+                    required property string path
+                    text: Format.fileName(path)
+                    symbol: "folder"
+                    isCurrent: screen.folder === path
+                    Accessible.description: path
+                    onClicked: screen.folder = path
+                }
+            }
+        }
+        AppText {
+            Layout.fillWidth: true
+            visible: LookAlikes.notice !== "" && groups.count > 0
+            text: LookAlikes.notice
+            color: Theme.warning
+            wrapMode: Text.Wrap
+        }
+        RowLayout {
+            Layout.fillWidth: true
+            visible: groups.count > 0 && !LookAlikes.isScanning
+            spacing: 8
+            AppText {
+                Layout.fillWidth: true
+                text: LookAlikes.caution
+                isSecondary: true
+                wrapMode: Text.Wrap
+            }
+            ActionButton {
+                text: qsTr("Compare again")
+                symbol: "arrow.clockwise"
+                onClicked: screen.check()
+            }
+            ActionButton {
+                objectName: "look-alikes-review"
+                text: screen.marked.length === 0 ? qsTr("Review…")
+                    : qsTr("Review %1…").arg(Format.counted(screen.marked.length, qsTr("photo"), qsTr("photos")))
+                isPrimary: true
+                enabled: screen.marked.length > 0
+                onClicked: App.plans.proposeTrash(screen.marked)
+            }
+        }
+        ListView {
+            id: groups
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: count > 0 && !LookAlikes.isScanning
+            focus: true
+            clip: true
+            spacing: 12
+            model: LookAlikes.groups
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar {}
+            Accessible.role: Accessible.List
+            Accessible.name: qsTr("Groups of look-alike photos")
+            delegate: Card {
+                id: group
+
+                required property int index
+                required property var files
+                required property int count
+                required property int keeper
+                required property var potentialBytes
+                readonly property bool isAllMarked: files.every(file => screen.isMarked(file.path))
+                readonly property string heading: qsTr("%1, up to %2 reclaimable")
+                    .arg(Format.counted(count, qsTr("photo"), qsTr("photos"))).arg(Format.size(potentialBytes))
+
+                width: ListView.view.width
+                height: column.implicitHeight + 32
+                Accessible.role: Accessible.ListItem
+                Accessible.name: heading
+                Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(groups.count)
+
+                ColumnLayout {
+                    id: column
+                    anchors.fill: parent
+                    anchors.margins: 16
+                    spacing: 12
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 8
+                        AppText {
+                            text: group.heading
+                            isStrong: true
+                        }
+                        AppText {
+                            Layout.fillWidth: true
+                            text: group.isAllMarked ? qsTr("Every photo of this group is marked.") : ""
+                            color: Theme.warning
+                        }
+                        ActionButton {
+                            text: qsTr("Mark all but the kept one")
+                            Accessible.description: group.heading
+                            onClicked: group.files.forEach((file, at) => {
+                                if (screen.isMarked(file.path) === (at === group.keeper))
+                                    LookAlikes.toggle(file.path)
+                            })
+                        }
+                        ActionButton {
+                            text: qsTr("Compare…")
+                            symbol: "rectangle.split.2x1"
+                            Accessible.description: group.heading
+                            onClicked: comparison.show(group.files, group.keeper)
+                        }
+                    }
+                    Flow {
+                        Layout.fillWidth: true
+                        spacing: 12
+                        Repeater {
+                            model: group.files
+                            PhotoTile {
+                                required property var modelData
+                                required property int index
+                                photo: modelData
+                                isKeeper: index === group.keeper
+                                isMarked: screen.isMarked(modelData.path)
+                                onClicked: LookAlikes.toggle(modelData.path)
+                            }
+                        }
+                    }
+                }
+            }
+        }
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: groups.count === 0 || LookAlikes.isScanning
+            EmptyState {
+                anchors.centerIn: parent
+                visible: !LookAlikes.isScanning
+                symbol: LookAlikes.hasReport ? "checkmark.circle" : "photo"
+                title: LookAlikes.hasReport ? LookAlikes.notice : qsTr("Find look-alike photos")
+                sentence: LookAlikes.hasReport ? LookAlikes.status
+                    : LookAlikes.status !== "" ? LookAlikes.status
+                    : qsTr("Your newest photos are compared with each other on this machine. Nothing is changed.")
+                action: LookAlikes.hasReport ? qsTr("Compare again") : qsTr("Compare photos")
+                onActed: screen.check()
+            }
+            ColumnLayout {
+                anchors.centerIn: parent
+                visible: LookAlikes.isScanning
+                spacing: 12
+                BusyIndicator {
+                    Layout.alignment: Qt.AlignHCenter
+                    running: LookAlikes.isScanning
+                    Accessible.ignored: true
+                }
+                AppText {
+                    Layout.alignment: Qt.AlignHCenter
+                    text: LookAlikes.status
+                    isSecondary: true
+                }
+                ActionButton {
+                    Layout.alignment: Qt.AlignHCenter
+                    text: qsTr("Cancel")
+                    onClicked: LookAlikes.cancel()
+                }
+            }
+        }
+    }
+
+    ComparisonSheet { id: comparison }
+}
