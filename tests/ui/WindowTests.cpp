@@ -315,7 +315,9 @@ TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(copy); }));
     EXPECT_EQ(test::readFile(copy), "dear diary");
 
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Cancel")); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return !application_->cleanup().isExecuting() && !isTold(QStringLiteral("Cancel"));
+    }));
     tabTo(QStringLiteral("Lock now"));
     key(Qt::Key_Space);
     ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Your vault is locked.")); }));
