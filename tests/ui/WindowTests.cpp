@@ -168,7 +168,11 @@ class Window : public testing::Test {
             key(Qt::Key_Tab);
             if (window()->activeFocusItem() == first) break;
         }
-        QStringList names(unreached.begin(), unreached.end());
+        QStringList names; // without those of controls that what was loaded meanwhile replaced
+        for (QAccessibleInterface* each : told()) {
+            if (isControl(each->role()) && unreached.contains(nameOf(each)))
+                names.append(nameOf(each));
+        }
         EXPECT_TRUE(names.isEmpty()) << "not reached with Tab: " << names.join(u", ").toStdString();
     }
 
