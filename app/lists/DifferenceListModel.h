@@ -6,6 +6,7 @@
 #include <functional>
 #include <numeric>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -30,28 +31,28 @@ class DifferenceListModel : public RowListModel {
     const std::vector<Row>& rows() const { return rows_; }
 
     void replace(std::vector<Row> rows) {
-        dropRepeated(rows);
         const std::size_t before = rows_.size();
-        std::unordered_map<std::string, std::size_t> places;
-        for (std::size_t at = 0; at < rows.size(); ++at)
-            places.emplace(identity_(rows[at]), at);
-        removeMissing(places);
-        reorder(places);
-        insertNew(rows);
-        update(std::move(rows));
+        std::vector<std::string> identities = dropRepeated(rows);
+        if (identities == identities_) return update(std::move(rows));
+        if (rows_.empty() || rows.empty()) {
+            remove(0, rows_.size());
+            insertAtEnd(std::move(rows), std::move(identities));
+        } else {
+            bringTo(rows, identities);
+            update(std::move(rows));
+        }
         if (rows_.size() != before) Q_EMIT countChanged();
     }
 
     /// Adds rows at the end, without those that are there already.
     void append(std::vector<Row> rows) {
-        std::unordered_set<std::string> known;
-        for (const Row& row : rows_)
-            known.insert(identity_(row));
-        std::erase_if(rows, [&](const Row& row) { return !known.insert(identity_(row)).second; });
+        std::vector<std::string> identities = dropRepeated(rows);
+        const std::unordered_set<std::string_view> known(identities_.begin(), identities_.end());
+        const auto isKnown = [&](const Row& row) { return known.contains(identity_(row)); };
+        std::erase_if(rows, isKnown);
+        std::erase_if(identities, [&](const auto& identity) { return known.contains(identity); });
         if (rows.empty()) return;
-        beginInsertRows({}, rowCount({}), rowCount({}) + static_cast<int>(rows.size()) - 1);
-        std::move(rows.begin(), rows.end(), std::back_inserter(rows_));
-        endInsertRows();
+        insertAtEnd(std::move(rows), std::move(identities));
         Q_EMIT countChanged();
     }
 
@@ -77,62 +78,109 @@ class DifferenceListModel : public RowListModel {
     }
 
     int rowOf(const QString& identity) const override {
-        const std::string wanted = identity.toStdString();
-        const auto found = std::find_if(rows_.begin(), rows_.end(),
-                                        [&](const Row& row) { return identity_(row) == wanted; });
-        return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+        const auto found =
+            std::find(identities_.begin(), identities_.end(), identity.toStdString());
+        return found == identities_.end() ? -1 : static_cast<int>(found - identities_.begin());
     }
 
   private:
     static constexpr int firstRole = Qt::UserRole + 1;
-    using Places = std::unordered_map<std::string, std::size_t>;
+    using Strings = std::vector<std::string>;
+    /// Of each row its place in the new content, or `gone`.
+    using Places = std::vector<std::size_t>;
+    static constexpr std::size_t gone = static_cast<std::size_t>(-1);
+    /// Each run of rows that come or go costs the time of moving those after it; of more runs than
+    /// this the rows are sorted to or from the end instead, where they are one run.
+    static constexpr std::size_t mostRuns = 16;
 
-    void dropRepeated(std::vector<Row>& rows) const {
-        std::unordered_set<std::string> seen;
-        std::erase_if(rows, [&](const Row& row) { return !seen.insert(identity_(row)).second; });
+    /// The identities of the rows that stay.
+    Strings dropRepeated(std::vector<Row>& rows) const {
+        Strings identities;
+        identities.reserve(rows.size()); // views of them must last
+        std::unordered_set<std::string_view> seen(rows.size());
+        std::erase_if(rows, [&](const Row& row) {
+            identities.push_back(identity_(row));
+            const bool isNew = seen.insert(identities.back()).second;
+            if (!isNew) identities.pop_back();
+            return !isNew;
+        });
+        return identities;
     }
 
-    void removeMissing(const Places& places) {
-        const auto isMissing = [&](std::size_t at) {
-            return !places.contains(identity_(rows_[at]));
-        };
+    template <typename IsInRun>
+    static std::size_t countRuns(std::size_t size, IsInRun isInRun) {
+        std::size_t runs = 0;
+        for (std::size_t at = 0; at < size; ++at)
+            runs += isInRun(at) && (at == 0 || !isInRun(at - 1)) ? 1 : 0;
+        return runs;
+    }
+
+    /// The same rows in the same order as the new content, if not with the same values.
+    void bringTo(const std::vector<Row>& rows, const Strings& identities) {
+        std::unordered_map<std::string_view, std::size_t> placeOf(identities.size());
+        for (std::size_t at = 0; at < identities.size(); ++at)
+            placeOf.emplace(identities[at], at);
+        Places places;
+        places.reserve(rows_.size() + rows.size());
+        std::vector<bool> isThere(rows.size());
+        for (const std::string& identity : identities_) {
+            const auto found = placeOf.find(identity);
+            places.push_back(found == placeOf.end() ? gone : found->second);
+            if (places.back() != gone) isThere[places.back()] = true;
+        }
+        const auto isGone = [&](std::size_t at) { return places[at] == gone; };
+        if (countRuns(places.size(), isGone) > mostRuns) sortBy(places);
+        removeGone(places);
+        sortBy(places);
+        const auto isNew = [&](std::size_t at) { return !isThere[at]; };
+        countRuns(rows.size(), isNew) > mostRuns ? insertSorting(rows, identities, isThere, places)
+                                                 : insertRuns(rows, identities, isThere);
+    }
+
+    void removeGone(Places& places) {
         for (std::size_t end = rows_.size(); end > 0;) {
-            if (!isMissing(end - 1)) {
-                --end;
-                continue;
-            }
-            std::size_t begin = end - 1;
-            while (begin > 0 && isMissing(begin - 1))
+            std::size_t begin = end;
+            while (begin > 0 && places[begin - 1] == gone)
                 --begin;
-            beginRemoveRows({}, static_cast<int>(begin), static_cast<int>(end) - 1);
-            rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(begin),
-                        rows_.begin() + static_cast<std::ptrdiff_t>(end));
-            endRemoveRows();
-            end = begin;
+            remove(begin, end);
+            places.erase(places.begin() + static_cast<std::ptrdiff_t>(begin),
+                         places.begin() + static_cast<std::ptrdiff_t>(end));
+            end = begin == end ? end - 1 : begin;
         }
     }
 
-    /// Puts the rows that stay into their new order.
-    void reorder(const Places& places) {
+    void remove(std::size_t begin, std::size_t end) {
+        if (begin == end) return;
+        const auto first = static_cast<std::ptrdiff_t>(begin);
+        const auto last = static_cast<std::ptrdiff_t>(end);
+        beginRemoveRows({}, static_cast<int>(begin), static_cast<int>(end) - 1);
+        rows_.erase(rows_.begin() + first, rows_.begin() + last);
+        identities_.erase(identities_.begin() + first, identities_.begin() + last);
+        endRemoveRows();
+    }
+
+    /// Puts the rows into the order of their places.
+    void sortBy(Places& places) {
+        if (std::is_sorted(places.begin(), places.end())) return;
         std::vector<std::size_t> order(rows_.size()); // old rows in their new order
         std::iota(order.begin(), order.end(), 0U);
-        std::vector<std::size_t> target;
-        target.reserve(rows_.size());
-        for (const Row& row : rows_)
-            target.push_back(places.at(identity_(row)));
-        if (std::is_sorted(target.begin(), target.end())) return;
-        std::sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
-            return target[left] < target[right];
+        std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+            return places[left] < places[right];
         });
         Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
         std::vector<int> moved(rows_.size());
-        std::vector<Row> sorted;
-        sorted.reserve(rows_.size());
+        std::vector<Row> rows;
+        rows.reserve(rows_.size());
+        Strings identities;
+        identities.reserve(rows_.size());
         for (const std::size_t old : order) {
-            moved[old] = static_cast<int>(sorted.size());
-            sorted.push_back(std::move(rows_[old]));
+            moved[old] = static_cast<int>(rows.size());
+            rows.push_back(std::move(rows_[old]));
+            identities.push_back(std::move(identities_[old]));
         }
-        rows_ = std::move(sorted);
+        rows_ = std::move(rows);
+        identities_ = std::move(identities);
+        std::sort(places.begin(), places.end());
         const QModelIndexList before = persistentIndexList();
         QModelIndexList after;
         for (const QModelIndex& index : before)
@@ -141,30 +189,49 @@ class DifferenceListModel : public RowListModel {
         Q_EMIT layoutChanged({}, VerticalSortHint);
     }
 
-    void insertNew(const std::vector<Row>& rows) {
-        const auto isThere = [&](std::size_t at) {
-            return at < rows_.size() && identity_(rows_[at]) == identity_(rows[at]);
-        };
-        for (std::size_t begin = 0; begin < rows.size();) {
-            if (isThere(begin)) {
-                ++begin;
-                continue;
-            }
-            // The rows that stay are in order, so the run ends where the next of them belongs.
-            std::size_t end = rows.size();
-            if (begin < rows_.size()) {
-                const std::string next = identity_(rows_[begin]);
-                end = begin;
-                while (identity_(rows[end]) != next)
-                    ++end;
-            }
+    void insertRuns(const std::vector<Row>& rows, const Strings& identities,
+                    const std::vector<bool>& isThere) {
+        for (std::size_t begin = 0; begin < rows.size(); ++begin) {
+            std::size_t end = begin;
+            while (end < rows.size() && !isThere[end])
+                ++end;
+            if (begin == end) continue;
+            const auto first = static_cast<std::ptrdiff_t>(begin);
+            const auto last = static_cast<std::ptrdiff_t>(end);
             beginInsertRows({}, static_cast<int>(begin), static_cast<int>(end) - 1);
-            rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(begin),
-                         rows.begin() + static_cast<std::ptrdiff_t>(begin),
-                         rows.begin() + static_cast<std::ptrdiff_t>(end));
+            rows_.insert(rows_.begin() + first, rows.begin() + first, rows.begin() + last);
+            identities_.insert(identities_.begin() + first, identities.begin() + first,
+                               identities.begin() + last);
             endInsertRows();
             begin = end;
         }
+    }
+
+    void insertSorting(const std::vector<Row>& rows, const Strings& identities,
+                       const std::vector<bool>& isThere, Places& places) {
+        std::vector<Row> fresh;
+        Strings freshIdentities;
+        for (std::size_t at = 0; at < rows.size(); ++at) {
+            if (isThere[at]) continue;
+            fresh.push_back(rows[at]);
+            freshIdentities.push_back(identities[at]);
+            places.push_back(at);
+        }
+        insertAtEnd(std::move(fresh), std::move(freshIdentities));
+        sortBy(places);
+    }
+
+    void insertAtEnd(std::vector<Row> rows, Strings identities) {
+        if (rows.empty()) return;
+        beginInsertRows({}, rowCount({}), rowCount({}) + static_cast<int>(rows.size()) - 1);
+        if (rows_.empty()) {
+            rows_ = std::move(rows);
+            identities_ = std::move(identities);
+        } else {
+            std::move(rows.begin(), rows.end(), std::back_inserter(rows_));
+            std::move(identities.begin(), identities.end(), std::back_inserter(identities_));
+        }
+        endInsertRows();
     }
 
     void update(std::vector<Row> rows) {
@@ -189,6 +256,7 @@ class DifferenceListModel : public RowListModel {
     Identity identity_;
     std::vector<Role> roles_;
     std::vector<Row> rows_;
+    Strings identities_; // of the rows; made once, as some are long
 };
 
 } // namespace tovi
