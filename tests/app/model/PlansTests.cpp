@@ -1,5 +1,7 @@
 #include "tests/app/model/ModelFixture.h"
 
+#include <random>
+
 namespace tovi {
 namespace {
 
@@ -159,6 +161,80 @@ TEST_F(PlansTest, ReviewsOriginalsOfTheVaultInsideConnectedFoldersOnly) {
     EXPECT_THAT(plans().proposedPlan()->items, SizeIs(1));
     plans().cancelVaultOriginalReview();
     EXPECT_FALSE(plans().proposedPlan());
+}
+
+TEST_F(PlansTest, WhateverIsAskedForInWhichOrderLosesNothingAndEndsTrue) {
+    const QString one = QString::fromStdString(tree.makeDirectory("one"));
+    tree.write("one/d.txt", "the same words");
+    bool isInMaintenance = false;
+    bool hasBegun = false;
+    const std::vector<std::function<void()>> operations{
+        [&] { executor.deliver(); },
+        [&] { executor.advance(7); },
+        [&] { connectTree(); },
+        [&] { model->folders()->grantFolders({one}); },
+        [&] { model->removeRoot(one); },
+        [&] { model->removeRoot(QString::fromStdString(tree.path())); },
+        [&] { model->scan()->rescan(); },
+        [&] { model->scan()->pauseIndexing(); },
+        [&] { model->resetIndex(); },
+        [&] { filesChange(); },
+        [&] { model->search()->search(QStringLiteral("words")); },
+        [&] { model->settings()->setDeveloperMode(!model->settings()->developerMode()); },
+        [&] { model->duplicates()->findDuplicates(); },
+        [&] { model->duplicates()->cancel(); },
+        [&] { model->spaces()->createSpace(QStringLiteral("Mine"), {at("a.txt")}); },
+        [&] {
+            plans().proposeTrash({at("a.txt"), at("one/d.txt")});
+        },
+        [&] { plans().proposeRename(at("b.txt"), QStringLiteral("e.txt")); },
+        [&] { plans().confirmPlan(plans().proposedPlanValues()[QStringLiteral("id")].toString()); },
+        [&] { plans().cancelPlan(); },
+        [&] { plans().stopExecution(); },
+        [&] { plans().undoLast(); },
+        [&] {
+            if (isInMaintenance) return;
+            isInMaintenance = model->beginCleanupMaintenance([&] { hasBegun = true; });
+        },
+        [&] {
+            if (std::exchange(hasBegun, false)) model->finishCleanupMaintenance(true);
+            isInMaintenance = isInMaintenance && hasBegun;
+        }};
+    std::mt19937 random(11);
+    for (int round = 0; round < 20; ++round) {
+        for (int step = 0; step < 40; ++step) {
+            if (random() % 2 == 0 && executor.workCount() > 0) {
+                executor.work(random() % executor.workCount());
+            } else {
+                operations[random() % operations.size()]();
+            }
+        }
+        executor.settle();
+        operations.back()();
+        isInMaintenance = false;
+        plans().cancelPlan();
+        connectTree();
+        if (model->scan()->isPaused()) model->scan()->pauseIndexing();
+        model->scan()->rescan();
+        executor.advance(30);
+
+        std::vector<std::string> onDisk;
+        for (const auto& file : fs::recursive_directory_iterator(tree.path())) {
+            if (file.is_regular_file()) onDisk.push_back(file.path());
+        }
+        std::size_t inTrash = 0;
+        for ([[maybe_unused]] const auto& file : fs::directory_iterator(data.path("trash")))
+            ++inTrash;
+        std::vector<std::string> known;
+        for (const FileRecord& file : model->library()->records())
+            known.push_back(file.path);
+        ASSERT_EQ(onDisk.size() + inTrash, 4U) << "round " << round;
+        ASSERT_THAT(known, testing::UnorderedElementsAreArray(onDisk)) << "round " << round;
+        ASSERT_FALSE(plans().isExecuting() || model->scan()->isIndexing());
+        ASSERT_EQ(watched, model->folders()->availablePaths());
+        ASSERT_EQ(PreferencesFile(data.path("preferences.json")).read().roots,
+                  model->folders()->roots());
+    }
 }
 
 TEST_F(PlansTest, KeepsADeletedProjectForEightSeconds) {
