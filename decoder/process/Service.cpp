@@ -106,14 +106,26 @@ Reply answer(const Request& request, FileDescriptor file, int socket, std::span<
 void prepare(Task task) {
     switch (task) {
     case Task::pdfText:
-    case Task::pdfPixels:
         return preparePdfText();
+    case Task::pdfPixels:
+        preparePdfText();
+        return preparePdfPages();
     case Task::pictureText:
         preparePictures();
         return preparePictureText();
     case Task::picturePixels:
         return preparePictures();
     }
+}
+
+std::vector<std::string> readableFolders(Task task) {
+    // The tables for Chinese, Japanese and Korean fonts that a document does not bring along, and
+    // the fonts themselves.
+    const std::string tables = "/usr/share/poppler";
+    if (task == Task::pdfText) return {tables};
+    if (task == Task::pdfPixels)
+        return {tables, "/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/texmf/fonts"};
+    return {};
 }
 
 void serve(Task task, int socket, std::span<std::byte> result) {
