@@ -26,7 +26,9 @@ using Bytes = std::vector<std::byte>;
 
 /// The whole file, into memory: a mapping would end the process when the file shrinks.
 Bytes readAll(const FileDescriptor& file) {
-    Bytes bytes(std::size_t{1024} * 1024);
+    const off_t end = ::lseek(file.get(), 0, SEEK_END);
+    const auto expected = static_cast<std::size_t>(std::max<off_t>(end, 0));
+    Bytes bytes(std::min(expected, maximumFileBytes) + 1); // one more tells that the file grew
     std::size_t size = 0;
     while (true) {
         const ssize_t count =
