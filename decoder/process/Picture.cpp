@@ -152,7 +152,10 @@ Loaded loadOther(std::span<const std::byte> bytes, int maximumSide) {
     int fullHeight = vips_image_get_height(image.get());
     refuseHugePictures(fullWidth, fullHeight);
     if (vips_image_get_orientation_swap(image.get()) != 0) std::swap(fullWidth, fullHeight);
-    const double scale = static_cast<double>(maximumSide) / std::max(fullWidth, fullHeight);
+    // A side of no pixels would make libvips end the process.
+    const double scale =
+        std::max(1.0 / std::min(fullWidth, fullHeight),
+                 static_cast<double>(maximumSide) / std::max(fullWidth, fullHeight));
     if (scale < 1) image = open(bytes, loader, scale);
     // Without a profile of its own the picture needs no other's, which takes 5 ms.
     const bool hasProfile = vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) != 0;
