@@ -16,7 +16,7 @@ class QuickSearchPanelController : public QObject {
     QuickSearchPanelController(QQmlEngine& engine, QuickSearchState& state);
 
     /// Shows the panel over all windows, its field focused and its text selected.
-    void present();
+    Q_INVOKABLE void present(const QVariantMap& platformData = {});
     /// Searches again if the panel is shown.
     void refresh();
 

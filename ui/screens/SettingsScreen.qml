@@ -114,6 +114,7 @@ FocusScope {
             }
 
             ShortcutSettings { Layout.fillWidth: true }
+            DesktopSettingsGroup { Layout.fillWidth: true }
 
             SettingsGroup {
                 Layout.fillWidth: true
