@@ -80,8 +80,8 @@ class Desktop(unittest.TestCase):
         values = json.loads(preferences.read_text())
         preferences.write_text(json.dumps({**values, "homeAccessOffered": True}))  # no dialog first
 
-    def start(self, *arguments, platform="xcb"):
-        environment = {**os.environ, "QT_QPA_PLATFORM": platform, "QT_QUICK_BACKEND": "software",
+    def start(self, *arguments, **variables):
+        environment = {**os.environ, **variables, "QT_QPA_PLATFORM": "xcb", "QT_QUICK_BACKEND": "software",
                        "ASAN_OPTIONS": "detect_leaks=0", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
                        "PATH": f"{self.folder}/bin:{os.environ['PATH']}"}
         log = open(self.folder / "log", "wb")
@@ -102,9 +102,13 @@ class Desktop(unittest.TestCase):
         self.until(lambda: self.program.poll() is not None)
         self.assertEqual(self.program.returncode, 0)
 
-    def has_window(self):
-        return subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Tovi — "],
+    def has_window(self, name="^Tovi — "):
+        return subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name],
                               capture_output=True, text=True).stdout.split()
+
+    def enlarge(self):
+        """So that nothing of the screen lies outside the window, where it is not told."""
+        subprocess.run(["xdotool", "windowsize", self.until(self.has_window)[0], "1180", "3000"], check=True)
 
     def key(self, key):
         window = self.until(self.has_window)[0]
@@ -122,7 +126,7 @@ class Desktop(unittest.TestCase):
 
         def walk(name, path):
             for child, at in self.ask(name, path, "GetChildren"):
-                shown = self.ask(child, at, "GetState")[0] & (1 << 25 | 1 << 30)  # showing, visible
+                shown = self.ask(child, at, "GetState")[0] & 1 << 25
                 if name != REGISTRY and not shown:
                     continue
                 properties = {key: str(self.ask(child, at, "Get", ACCESSIBLE, key, on=PROPERTIES))
