@@ -18,6 +18,7 @@ TOVI = "app.ardeno.Tovi"
 MOCK = "org.freedesktop.DBus.Mock"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = "org.a11y.atspi.Registry"
+SHOWING = 1 << 25
 PROPERTIES = "org.freedesktop.DBus.Properties"
 dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
 
@@ -111,8 +112,14 @@ class Desktop(unittest.TestCase):
         subprocess.run(["xdotool", "windowsize", self.until(self.has_window)[0], "1180", "3000"], check=True)
 
     def key(self, key):
+        self.xdotool("key", key)
+
+    def type(self, text):
+        self.xdotool("type", text)
+
+    def xdotool(self, *action):
         window = self.until(self.has_window)[0]
-        subprocess.run(["xdotool", "windowfocus", "--sync", window, "key", key], check=True)
+        subprocess.run(["xdotool", "windowfocus", "--sync", window, *action], check=True)
 
     def told(self):
         """Everything that assistive technology is told of what is shown: (role, name, description, object)."""
@@ -126,14 +133,15 @@ class Desktop(unittest.TestCase):
 
         def walk(name, path):
             for child, at in self.ask(name, path, "GetChildren"):
-                shown = self.ask(child, at, "GetState")[0] & 1 << 25
-                if name != REGISTRY and not shown:
-                    continue
-                properties = {key: str(self.ask(child, at, "Get", ACCESSIBLE, key, on=PROPERTIES))
-                              for key in ("Name", "Description")}
-                found.append((str(self.ask(child, at, "GetRoleName")), properties["Name"],
-                              properties["Description"], (child, at)))
-                walk(child, at)
+                try:
+                    if name != REGISTRY and not self.ask(child, at, "GetState")[0] & SHOWING:
+                        continue
+                    properties = [str(self.ask(child, at, "Get", ACCESSIBLE, key, on=PROPERTIES))
+                                  for key in ("Name", "Description")]
+                    found.append((str(self.ask(child, at, "GetRoleName")), *properties, (child, at)))
+                    walk(child, at)
+                except dbus.DBusException as gone:  # meanwhile
+                    self.assertIn("UnknownObject", gone.get_dbus_name())
 
         walk(REGISTRY, "/org/a11y/atspi/accessible/root")
         return found

@@ -56,6 +56,8 @@ Application::Application(const Options& options, FileOpener& opener)
       sessionLock_(*session_, runtime_.executor(), vault_),
       integration_({.executor = runtime_.executor(),
                     .model = model_,
+                    .cleanup = cleanup_,
+                    .vault = vault_,
                     .opener = opener,
                     .engine = engine_,
                     .dataDirectory = options.dataDirectory}) {

@@ -100,6 +100,7 @@ int runDesktop(int argc, char** argv) {
         commandLine.read(application);
         QGuiApplication::setDesktopFileName(QStringLiteral("app.ardeno.Tovi"));
         QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/qt/qml/Tovi/icons/tovi.svg")));
+        SystemSearch search(QDBusConnection::sessionBus());
         DesktopActivation activation(QDBusConnection::sessionBus());
         // A data directory of its own is a library of its own, and so an instance of its own.
         if (!commandLine.isDataDirectoryGiven() &&
@@ -122,7 +123,7 @@ int runDesktop(int argc, char** argv) {
                          [&desktop](const QString& sentence) {
                              desktop.model().notices()->setError(sentence.toStdString());
                          });
-        desktop.integration().obey(activation);
+        desktop.integration().obey(activation, search);
         if (commandLine.isQuickSearch()) desktop.integration().showQuickSearch({});
         return QCoreApplication::exec();
     } catch (const std::exception& error) {

@@ -13,6 +13,7 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
       engine_(parts.engine),
       settings_(parts.dataDirectory),
       tray_(QDBusConnection::sessionBus(), parts.engine, parts.executor, parts.model),
+      longWork_(parts.executor, parts.model, parts.cleanup),
       hotKey_(makeHotKeySource()),
       quickSearch_(parts.executor, *parts.model.search(), parts.opener),
       panel_(parts.engine, quickSearch_) {
@@ -41,14 +42,26 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
     connect(&tray_, &Tray::shownChanged, this, &DesktopIntegration::followTray);
     connect(&tray_, &Tray::windowRequested, this, [this] { showWindow({}); });
     connect(&tray_, &Tray::quickSearchRequested, this, [this] { showQuickSearch({}); });
+    connect(&longWork_, &LongWorkNotices::ended, this, &DesktopIntegration::tell);
+    connect(&screenSaver_, &ScreenSaver::locked, &parts.vault,
+            [&vault = parts.vault] { vault.sessionInterrupted(nullptr); });
     // A panel shown before the index was open searches once it is.
     connect(&model_, &AppModel::loaded, &panel_, &QuickSearchPanelController::refresh);
 }
 
-void DesktopIntegration::obey(const DesktopActivation& activation) {
+void DesktopIntegration::obey(const DesktopActivation& activation, SystemSearch& search) {
     connect(&activation, &DesktopActivation::activated, this, &DesktopIntegration::showWindow);
     connect(&activation, &DesktopActivation::quickSearchRequested, this,
             &DesktopIntegration::showQuickSearch);
+    search.answerFrom(executor_, model_, settings_);
+    connect(&search, &SystemSearch::asked, this, &DesktopIntegration::endWhenUnused);
+    connect(&search, &SystemSearch::openRequested, &model_, &AppModel::open);
+    connect(&search, &SystemSearch::revealRequested, &model_, &AppModel::reveal);
+    connect(&search, &SystemSearch::searchRequested, this, [this](const QString& phrase) {
+        model_.setSection(QStringLiteral("search"));
+        model_.search()->search(phrase);
+        showWindow({});
+    });
 }
 
 QQuickWindow* DesktopIntegration::window() const {
@@ -69,6 +82,25 @@ void DesktopIntegration::followTray() {
     runAfter(executor_, this, trayPatience, [this] {
         if (!tray_.isShown() && !window()->isVisible()) window()->showMinimized();
     });
+}
+
+/// The bus starts the program also for a question of the desktop's search alone.
+void DesktopIntegration::endWhenUnused() {
+    runAfter(executor_, this, unusedTime, [this, use = ++uses_] {
+        const bool isUsed = window()->isVisible() || panel_.isShown() || livesInTray();
+        if (use == uses_ && !isUsed) QCoreApplication::quit();
+    });
+}
+
+void DesktopIntegration::tell(const LongWorkNotice& notice) {
+    if (!settings_.notifies() || QGuiApplication::focusWindow()) return;
+    QList<Notifications::Action> actions{
+        {tr("Show"), [this, section = notice.section](const QString& token) {
+             model_.setSection(section);
+             showWindow({{QStringLiteral("activation-token"), token}});
+         }}};
+    if (notice.undo) actions.append({tr("Undo"), [undo = notice.undo](const QString&) { undo(); }});
+    notifications_.show(notice.title, notice.text, actions);
 }
 
 void DesktopIntegration::registerShortcut() {

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "app/model/AppModel.h"
+#include "app/vault/VaultModel.h"
 #include "ui/desktop/DesktopActivation.h"
 #include "ui/desktop/DesktopSettings.h"
 #include "ui/desktop/GlobalHotKey.h"
+#include "ui/desktop/LongWorkNotices.h"
+#include "ui/desktop/Notifications.h"
 #include "ui/desktop/QuickSearchPanelController.h"
+#include "ui/desktop/ScreenSaver.h"
 #include "ui/desktop/SystemAppearance.h"
+#include "ui/desktop/SystemSearch.h"
 #include "ui/desktop/Tray.h"
 
 class QQmlApplicationEngine;
@@ -17,12 +22,15 @@ class DesktopIntegration : public QObject {
     Q_OBJECT
 
   public:
+    static constexpr double unusedTime = 60;   // seconds without a window until the program ends
     static constexpr double trayPatience = 10; // seconds for a tray that vanished to come back
 
     /// All outlive the integration.
     struct Parts {
         Executor& executor;
         AppModel& model;
+        CleanupModel& cleanup;
+        VaultModel& vault;
         FileOpener& opener;
         QQmlApplicationEngine& engine;
         const std::string& dataDirectory;
@@ -31,7 +39,7 @@ class DesktopIntegration : public QObject {
     explicit DesktopIntegration(const Parts& parts);
 
     /// Does from now on what the session bus asks for.
-    void obey(const DesktopActivation& activation);
+    void obey(const DesktopActivation& activation, SystemSearch& search);
 
     /// In front, as far as the desktop allows that for `platformData`.
     void showWindow(const QVariantMap& platformData);
@@ -42,6 +50,8 @@ class DesktopIntegration : public QObject {
     void registerShortcut();
     bool livesInTray() const { return tray_.isShown() && settings_.staysInTray(); }
     void followTray();
+    void endWhenUnused();
+    void tell(const LongWorkNotice& notice);
 
     Executor& executor_;
     AppModel& model_;
@@ -49,9 +59,13 @@ class DesktopIntegration : public QObject {
     DesktopSettings settings_;
     SystemAppearance appearance_{QDBusConnection::sessionBus()};
     Tray tray_;
+    Notifications notifications_{QDBusConnection::sessionBus()};
+    LongWorkNotices longWork_;
+    ScreenSaver screenSaver_{QDBusConnection::sessionBus()};
     GlobalHotKey hotKey_;
     QuickSearchState quickSearch_;
     QuickSearchPanelController panel_;
+    int uses_ = 0;
 };
 
 } // namespace tovi

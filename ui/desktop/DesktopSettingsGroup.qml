@@ -21,6 +21,26 @@ SettingsGroup {
     }
     SettingsSwitch {
         Layout.fillWidth: true
+        text: qsTr("Tell when long work ends behind other windows")
+        checked: Desktop.notifies
+        onToggled: Desktop.notifies = checked
+    }
+    SettingsSwitch {
+        id: search
+        Layout.fillWidth: true
+        text: qsTr("Let the search of the desktop find files of the index")
+        checked: Desktop.answersSystemSearch
+        onToggled: Desktop.answersSystemSearch = checked
+    }
+    AppText {
+        Layout.fillWidth: true
+        visible: search.checked
+        text: qsTr("Choose Tovi among the search results in the settings of the desktop as well. Nothing of the vault is found.")
+        isSecondary: true
+        wrapMode: Text.Wrap
+    }
+    SettingsSwitch {
+        Layout.fillWidth: true
         text: SystemAppearance.hasHighContrast ? qsTr("More contrast (the desktop asks for it)") : qsTr("More contrast")
         enabled: !SystemAppearance.hasHighContrast
         checked: Theme.highContrast

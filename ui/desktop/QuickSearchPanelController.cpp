@@ -25,11 +25,11 @@ void QuickSearchPanelController::present(const QVariantMap& platformData) {
 }
 
 void QuickSearchPanelController::refresh() {
-    if (panel_ && panel_->isVisible()) state_.present();
+    if (isShown()) state_.present();
 }
 
 void QuickSearchPanelController::dismiss() {
-    if (!panel_ || !panel_->isVisible()) return;
+    if (!isShown()) return;
     panel_->hide();
     state_.invalidate();
     Q_EMIT dismissed();

@@ -17,6 +17,7 @@ class QuickSearchPanelController : public QObject {
 
     /// Shows the panel over all windows, its field focused and its text selected.
     Q_INVOKABLE void present(const QVariantMap& platformData = {});
+    bool isShown() const { return panel_ && panel_->isVisible(); }
     /// Searches again if the panel is shown.
     void refresh();
 
