@@ -72,10 +72,20 @@ class Desktop(unittest.TestCase):
         mock.server = server
         return mock
 
-    def index(self, *names):
-        for name in names:
+    def fake_opener(self, end):
+        """The file that an xdg-open in PATH notes what it opens in."""
+        opener = self.folder / "bin/xdg-open"
+        opener.write_text(f'#!/bin/sh\necho "$1" >"{self.folder}/opened"\n{end}\n')
+        opener.chmod(0o700)
+        return self.folder / "opened"
+
+    def index(self, *names, dated=False):
+        """Connects a folder of these files; with `dated` the first is the newest."""
+        for age, name in enumerate(names):
             (self.files / name).parent.mkdir(parents=True, exist_ok=True)
             (self.files / name).write_text(name)
+            if dated:
+                os.utime(self.files / name, (1_700_000_000 - age, 1_700_000_000 - age))
         subprocess.run([BIN / "tovictl", "index", self.files], check=True, capture_output=True)
         preferences = self.folder / "data/Ardeno/preferences.json"
         values = json.loads(preferences.read_text())

@@ -86,8 +86,10 @@ bool X11HotKey::nativeEventFilter(const QByteArray& type, void* message, qintptr
     const int relevant =
         XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
     if (key->detail != keyCode_ || (key->state & relevant) != modifiers_) return false;
-    Q_EMIT pressed({});
-    return true;
+    // Qt takes the time of the key from the event, without which the panel would get no focus, and
+    // only then is the panel shown.
+    QMetaObject::invokeMethod(this, [this] { Q_EMIT pressed({}); }, Qt::QueuedConnection);
+    return false;
 }
 
 } // namespace tovi
