@@ -40,6 +40,8 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
     });
     connect(&settings_, &DesktopSettings::changed, this, &DesktopIntegration::followTray);
     connect(&tray_, &Tray::shownChanged, this, &DesktopIntegration::followTray);
+    connect(qGuiApp, &QGuiApplication::lastWindowClosed, this,
+            [this] { runAfter(executor_, this, closingTime, [this] { explainTray(); }); });
     connect(&tray_, &Tray::windowRequested, this, [this] { showWindow({}); });
     connect(&tray_, &Tray::quickSearchRequested, this, [this] { showQuickSearch({}); });
     connect(&longWork_, &LongWorkNotices::ended, this, &DesktopIntegration::tell);
@@ -90,6 +92,19 @@ void DesktopIntegration::endWhenUnused() {
         const bool isUsed = window()->isVisible() || panel_.isShown() || livesInTray();
         if (use == uses_ && !isUsed) QCoreApplication::quit();
     });
+}
+
+void DesktopIntegration::explainTray() {
+    if (!livesInTray() || window()->isVisible() || settings_.knowsTray()) return;
+    settings_.setKnowsTray();
+    notifications_.show(tr("Tovi goes on in the tray"),
+                        tr("Its icon there opens the window again or quits. Settings can end Tovi "
+                           "with its window."),
+                        {{tr("Open window"),
+                          [this](const QString& token) {
+                              showWindow({{QStringLiteral("activation-token"), token}});
+                          }},
+                         {tr("Quit"), [](const QString&) { QCoreApplication::quit(); }}});
 }
 
 void DesktopIntegration::tell(const LongWorkNotice& notice) {

@@ -23,6 +23,7 @@ class DesktopIntegration : public QObject {
 
   public:
     static constexpr double unusedTime = 60;   // seconds without a window until the program ends
+    static constexpr double closingTime = 1;   // seconds in which a program that quits is gone
     static constexpr double trayPatience = 10; // seconds for a tray that vanished to come back
 
     /// All outlive the integration.
@@ -44,12 +45,14 @@ class DesktopIntegration : public QObject {
     /// In front, as far as the desktop allows that for `platformData`.
     void showWindow(const QVariantMap& platformData);
     void showQuickSearch(const QVariantMap& platformData);
+    QuickSearchState& quickSearch() { return quickSearch_; }
 
   private:
     QQuickWindow* window() const;
     void registerShortcut();
     bool livesInTray() const { return tray_.isShown() && settings_.staysInTray(); }
     void followTray();
+    void explainTray();
     void endWhenUnused();
     void tell(const LongWorkNotice& notice);
 

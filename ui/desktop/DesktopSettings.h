@@ -29,6 +29,10 @@ class DesktopSettings : public QObject {
     bool moreContrast() const { return value("moreContrast", false); }
     bool lessMotion() const { return value("lessMotion", false); }
 
+    /// Whether the user knows that a closed window leaves the program in the tray.
+    bool knowsTray() const { return value("knowsTray", false); }
+
+    void setKnowsTray() { set("knowsTray", true); }
     void setStaysInTray(bool isOn) { set("staysInTray", isOn); }
     void setNotifies(bool isOn) { set("notifies", isOn); }
     void setAnswersSystemSearch(bool isOn) { set("answersSystemSearch", isOn); }

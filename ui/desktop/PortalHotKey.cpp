@@ -59,7 +59,8 @@ PortalHotKey::PortalHotKey(QDBusConnection bus) : bus_(std::move(bus)) {
             [this](const QString&, const QString& before, const QString& now) {
                 if (choice_.isEmpty()) return;
                 if (!before.isEmpty()) sessionClosed();
-                if (!now.isEmpty() && session_.isEmpty()) take(QString(choice_));
+                // Being asked starts a portal, which is no reason to ask again.
+                if (!now.isEmpty() && !isAsking_) take(QString(choice_));
             });
 }
 
@@ -69,10 +70,8 @@ PortalHotKey::~PortalHotKey() {
 
 void PortalHotKey::take(const QString& choice) {
     choice_ = choice;
-    if (!bus_.isConnected()) {
-        Q_EMIT settled(State::Unavailable, {});
-        return;
-    }
+    isAsking_ = true;
+    if (!bus_.isConnected()) return settle(State::Unavailable);
     PortalRequest::send(
         bus_, shortcuts, QStringLiteral("CreateSession"), {},
         {{QStringLiteral("session_handle_token"), portal::newToken()}}, this,
@@ -82,7 +81,7 @@ void PortalHotKey::take(const QString& choice) {
             if (result == PortalRequest::Result::Granted && session_.startsWith(QLatin1Char('/')))
                 return bind();
             session_.clear();
-            Q_EMIT settled(State::Unavailable, {});
+            settle(State::Unavailable);
         });
 }
 
@@ -101,19 +100,19 @@ void PortalHotKey::bind() {
             const auto bound =
                 qdbus_cast<QList<Shortcut>>(values.value(QStringLiteral("shortcuts")));
             if (result == PortalRequest::Result::Granted && !bound.isEmpty()) {
-                Q_EMIT settled(
+                settle(
                     State::Registered,
                     bound.first().values.value(QStringLiteral("trigger_description")).toString());
             } else {
-                Q_EMIT settled(result == PortalRequest::Result::Unavailable ? State::Unavailable
-                                                                            : State::Refused,
-                               {});
+                settle(result == PortalRequest::Result::Unavailable ? State::Unavailable
+                                                                    : State::Refused);
             }
         });
 }
 
 void PortalHotKey::release() {
     ++attempt_;
+    isAsking_ = false;
     choice_.clear();
     if (session_.isEmpty()) return;
     bus_.send(QDBusMessage::createMethodCall(portal::service, std::exchange(session_, {}),
@@ -123,7 +122,12 @@ void PortalHotKey::release() {
 void PortalHotKey::sessionClosed() {
     ++attempt_;
     session_.clear();
-    Q_EMIT settled(State::Unavailable, {});
+    settle(State::Unavailable);
+}
+
+void PortalHotKey::settle(State state, const QString& keys) {
+    isAsking_ = false;
+    Q_EMIT settled(state, keys);
 }
 
 void PortalHotKey::activate(const QDBusMessage& message) {

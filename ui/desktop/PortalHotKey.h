@@ -23,11 +23,13 @@ class PortalHotKey final : public HotKeySource {
 
   private:
     void bind();
+    void settle(State state, const QString& keys = {});
 
     QDBusConnection bus_;
     QString choice_;  // empty while none is wanted
     QString session_; // its path; empty without one
-    int attempt_ = 0;
+    int attempt_ = 0; // answers of earlier ones are not heard
+    bool isAsking_ = false;
 };
 
 } // namespace tovi
