@@ -206,6 +206,7 @@ FocusScope {
             Accessible.description: qsTr("%1, %2, %3, row %4 of %5").arg(kindTitle)
                 .arg(Format.size(size)).arg(Format.date(date)).arg(index + 1).arg(list.count)
             Accessible.selected: isChosen
+            Accessible.onPressAction: table.choose(row.index, Qt.NoModifier)
 
             background: Rectangle {
                 radius: Theme.rowRadius

@@ -126,6 +126,7 @@ FocusScope {
             }
 
             ShortcutSettings { Layout.fillWidth: true }
+            DesktopSettingsGroup { Layout.fillWidth: true }
 
             SettingsGroup {
                 Layout.fillWidth: true
@@ -147,7 +148,7 @@ FocusScope {
                     options: [
                         { value: "light", text: qsTr("Light") },
                         { value: "dark", text: qsTr("Dark") },
-                        { value: "system", text: qsTr("As the system") }
+                        { value: "system", text: Theme.isSystemDark ? qsTr("As the system (dark)") : qsTr("As the system (light)") }
                     ]
                     current: App.settings.appearance
                     onChosen: value => App.settings.appearance = value

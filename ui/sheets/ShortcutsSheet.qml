@@ -16,6 +16,8 @@ Sheet {
         "F6", qsTr("Sidebar and screen"),
         "F9", qsTr("Hide or show the sidebar"),
         "Alt+Left", qsTr("Back"),
+        "Ctrl+W", qsTr("Close the window"),
+        "Ctrl+Q", qsTr("Quit"),
         "Space", qsTr("Choose a file"),
         "Ctrl+A", qsTr("Choose all"),
         "Enter", qsTr("Open"),
