@@ -194,7 +194,9 @@ void AppModel::finishOpening(Opened opened) {
 
 void AppModel::makeMonitor() {
     try {
-        monitor_ = system_.makeMonitor([this] { scan_.filesDidChange(); });
+        monitor_ =
+            system_.makeMonitor({[this] { scan_.filesDidChange(); },
+                                 [this](const auto& watched) { folders_.setFreshness(watched); }});
     } catch (const std::system_error& error) {
         notices_.setError("Changes of files cannot be noticed: " + reasonOf(error));
     }

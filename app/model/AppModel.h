@@ -10,6 +10,7 @@
 #include "app/model/SelectionModel.h"
 #include "app/model/SpacesModel.h"
 #include "app/monitor/FolderChanges.h"
+#include "app/monitor/FolderListener.h"
 #include "app/preferences/PreferencesFile.h"
 #include "core/files/ProcessLock.h"
 
@@ -23,9 +24,9 @@ struct AppSystem {
     FolderPicker& folderPicker;
     Clipboard& clipboard;
     FileOpener& opener;
-    /// Makes the monitor of the connected folders, which calls the handler on the main thread; may
+    /// Makes the monitor of the connected folders, which calls the handlers on the main thread; may
     /// return none. Throws `std::system_error`.
-    std::function<std::unique_ptr<FolderChanges>(std::function<void()> handler)> makeMonitor;
+    std::function<std::unique_ptr<FolderChanges>(FolderListener::Handlers handlers)> makeMonitor;
 };
 
 struct AppSettings {

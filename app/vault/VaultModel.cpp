@@ -2,10 +2,14 @@
 
 #include "app/lists/QtConversions.h"
 #include "base/Text.h"
+#include "platform/FileAttributes.h"
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QMetaMethod>
+#include <cmath>
 #include <mutex>
+#include <numeric>
 #include <utility>
 
 #include <fmt/format.h>
@@ -46,6 +50,17 @@ QString encrypting(std::size_t at, std::size_t count) {
     return toQt(fmt::format("Encrypting file {} of {}…", at, count));
 }
 
+/// What adding a file costs besides its bytes, in bytes that could be encrypted meanwhile.
+constexpr double costOfAnyFile = 131'072;
+
+double sizeOf(const std::string& path) {
+    try {
+        return static_cast<double>(platform::attributesOf(path).size);
+    } catch (const std::system_error&) {
+        return 0; // it will be refused
+    }
+}
+
 bool isInput(QEvent::Type type) {
     switch (type) {
     case QEvent::MouseButtonPress:
@@ -68,8 +83,9 @@ bool isInput(QEvent::Type type) {
 struct VaultModel::Reported {
     std::mutex mutex;                      // guards `fresh`
     std::vector<VaultStore::Import> fresh; // not yet taken over
-    std::size_t added = 0;                 // the rest is the main thread's
-    std::vector<std::string> failures;     // a line each
+    std::size_t files = 0;                 // the rest is the main thread's
+    std::size_t added = 0;
+    std::vector<std::string> failures; // a line each
 };
 
 VaultModel::VaultModel(std::unique_ptr<VaultStore> store, Surroundings surroundings)
@@ -94,14 +110,17 @@ void VaultModel::operate(const QString& activity, Work work, Finished finished) 
     activity_ = activity;
     errorMessage_.clear();
     notice_.clear();
+    setRunning(TimeLeft(surroundings_.executor.uptime()));
     Q_EMIT changed();
     runLatest(surroundings_.executor, this, generation_, std::move(work),
               [this, finished = std::move(finished)](auto outcome) mutable {
                   isBusy_ = false;
                   activity_.clear();
+                  setRunning({});
                   if (!outcome && !outcome.isCancelled) errorMessage_ = toQt(outcome.error);
                   finished(outcome);
                   Q_EMIT changed();
+                  tellTimeUntilLock();
               });
 }
 
@@ -166,26 +185,39 @@ void VaultModel::importFiles(std::vector<std::string> paths) {
     if (isBusy_ || paths.empty()) return;
     const auto reported = std::make_shared<Reported>();
     // Made before the operation, whose generation is the next.
-    const LatestValue<std::size_t> count(
+    const LatestValue<Passed> passed(
         surroundings_.executor, this,
-        [this, reported, paths, stamp = generation_.stamp() + 1](const std::size_t& done) {
+        [this, reported, paths, stamp = generation_.stamp() + 1](const Passed& step) {
             if (stamp != generation_.stamp() || !isBusy_) return;
+            tellTimeLeft(step);
+            if (std::exchange(reported->files, step.files) == step.files) return;
             take(paths, *reported);
-            if (done < paths.size()) setActivity(encrypting(done + 1, paths.size()));
+            if (step.files < paths.size()) setActivity(encrypting(step.files + 1, paths.size()));
         });
     const QString activity = encrypting(1, paths.size());
     operate(
         activity,
-        [store = store_, paths, reported, count](const std::stop_token& stop) {
-            std::size_t done = 0;
+        [store = store_, paths, reported, passed](const std::stop_token& stop) {
+            std::vector<double> sizes;
+            for (const std::string& path : paths)
+                sizes.push_back(sizeOf(path));
+            Passed step;
+            step.total = std::accumulate(sizes.begin(), sizes.end(),
+                                         costOfAnyFile * static_cast<double>(paths.size()));
             store->importFiles(
                 paths,
                 [&](const VaultStore::Import& result) {
                     const std::lock_guard lock(reported->mutex);
                     reported->fresh.push_back(result);
-                    count.set(++done);
+                    ++step.files;
+                    step.done += costOfAnyFile + (result.item ? 0 : sizes.at(result.index));
+                    passed.set(step);
                 },
-                [](std::int64_t) {}, stop);
+                [&](std::int64_t bytes) {
+                    step.done += static_cast<double>(bytes);
+                    passed.set(step);
+                },
+                stop);
         },
         [this, paths, reported](const Outcome<std::monostate>& outcome) {
             take(paths, *reported);
@@ -243,10 +275,22 @@ void VaultModel::exportItem(const QString& id) {
 
 void VaultModel::exportItem(const Uuid& id, const std::string& destination) {
     if (isBusy_) return;
+    const LatestValue<Passed> passed(surroundings_.executor, this,
+                                     [this, stamp = generation_.stamp() + 1](const Passed& step) {
+                                         if (stamp == generation_.stamp() && isBusy_)
+                                             tellTimeLeft(step);
+                                     });
+    const int row = items_.rowOf(toQt(id.string()));
+    const double size =
+        row < 0 ? 0 : static_cast<double>(items_.rows()[static_cast<std::size_t>(row)].size);
     operate(
         QStringLiteral("Exporting decrypted copy…"),
-        [store = store_, id, destination](const std::stop_token& stop) {
-            store->exportFile(id, destination, stop);
+        [store = store_, id, destination, passed, size](const std::stop_token& stop) {
+            Passed step{.total = size};
+            store->exportFile(id, destination, stop, [&](std::int64_t bytes) {
+                step.done += static_cast<double>(bytes);
+                passed.set(step);
+            });
         },
         [this](const Outcome<std::monostate>& outcome) {
             if (!outcome) return;
@@ -274,8 +318,10 @@ void VaultModel::lockBecause(const QString& reason, SleepDelay delay) {
     items_.replace({});
     importedOriginals_.replace({});
     generation_.cancel();
+    setRunning({});
     if (std::exchange(activePanel_, std::nullopt)) surroundings_.panels.close();
     Q_EMIT changed();
+    tellTimeUntilLock();
     // Not to be stopped, and also if the model goes meanwhile.
     runInBackground(
         surroundings_.executor, this, {},
@@ -315,22 +361,64 @@ void VaultModel::fail(const std::string& error) {
     Q_EMIT changed();
 }
 
-bool VaultModel::isIdle() const {
-    return phase_ == Phase::unlocked &&
-           surroundings_.secondsSinceBoot() - lastActivity_ >= idlePeriod;
+void VaultModel::setRunning(TimeLeft running) {
+    const int before = std::exchange(running_, running).seconds();
+    if (running_.seconds() != before) Q_EMIT runningSecondsLeftChanged();
+}
+
+void VaultModel::tellTimeLeft(const Passed& step) {
+    TimeLeft running = running_;
+    running.update(step.done, step.total, surroundings_.executor.uptime());
+    setRunning(running);
+}
+
+double VaultModel::idleTimeLeft() const {
+    return idlePeriod - (surroundings_.secondsSinceBoot() - lastActivity_);
+}
+
+int VaultModel::secondsUntilLock() const {
+    if (phase_ != Phase::unlocked) return TimeLeft::unknown;
+    return static_cast<int>(std::ceil(std::max(idleTimeLeft(), 0.0)));
+}
+
+void VaultModel::tellTimeUntilLock() {
+    const int seconds = secondsUntilLock();
+    if (std::exchange(toldSecondsUntilLock_, seconds) != seconds) Q_EMIT secondsUntilLockChanged();
+    countDown();
+}
+
+void VaultModel::countDown() {
+    static const QMetaMethod told = QMetaMethod::fromSignal(&VaultModel::secondsUntilLockChanged);
+    if (isCountingDown_ || phase_ != Phase::unlocked || !isSignalConnected(told)) return;
+    isCountingDown_ = true;
+    runAfter(surroundings_.executor, this, 1, [this] {
+        isCountingDown_ = false;
+        lockIfIdle();
+        tellTimeUntilLock();
+    });
+}
+
+void VaultModel::connectNotify(const QMetaMethod& signal) {
+    if (signal == QMetaMethod::fromSignal(&VaultModel::secondsUntilLockChanged)) countDown();
+}
+
+void VaultModel::lockIfIdle() {
+    if (phase_ == Phase::unlocked && idleTimeLeft() <= 0) {
+        lockBecause(QStringLiteral("Locked after 5 minutes of inactivity."));
+    }
 }
 
 void VaultModel::checkIdleTimeLater() {
     runAfter(surroundings_.executor, this, idleCheck, [this] {
-        if (isIdle()) lockBecause(QStringLiteral("Locked after 5 minutes of inactivity."));
+        lockIfIdle();
         checkIdleTimeLater();
     });
 }
 
 void VaultModel::noteActivity() {
-    // The first input after a sleep comes before the clock is looked at.
-    if (isIdle()) lockBecause(QStringLiteral("Locked after 5 minutes of inactivity."));
+    lockIfIdle(); // the first input after a sleep comes before the clock is looked at
     lastActivity_ = surroundings_.secondsSinceBoot();
+    tellTimeUntilLock();
 }
 
 bool VaultModel::eventFilter(QObject* watched, QEvent* event) {

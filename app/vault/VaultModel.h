@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/background/Background.h"
+#include "app/vault/TimeLeft.h"
 #include "app/vault/VaultLists.h"
 #include "app/vault/VaultPanels.h"
 #include "core/vault/VaultStore.h"
@@ -30,6 +31,8 @@ class VaultModel final : public QObject {
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
     Q_PROPERTY(QString lockReason READ lockReason NOTIFY changed)
     Q_PROPERTY(bool followsSession READ followsSession NOTIFY changed)
+    Q_PROPERTY(int secondsUntilLock READ secondsUntilLock NOTIFY secondsUntilLockChanged)
+    Q_PROPERTY(int runningSecondsLeft READ runningSecondsLeft NOTIFY runningSecondsLeftChanged)
 
   public:
     enum class Phase { loading, notCreated, locked, unlocked, unavailable };
@@ -65,6 +68,11 @@ class VaultModel final : public QObject {
     QString lockReason() const { return lockReason_; }
     /// Whether locks of the session and sleep can be heard of; the other locks work without.
     bool followsSession() const { return followsSession_; }
+    /// Until the vault locks because nobody uses it; -1 unless it is unlocked. Told each second
+    /// while somebody is connected to it.
+    int secondsUntilLock() const;
+    /// About how long the import or export under way still takes; -1 while that is not known.
+    int runningSecondsLeft() const { return running_.seconds(); }
 
     /// Finds out whether there is a vault; once, and again after it could not be opened.
     Q_INVOKABLE void load();
@@ -96,11 +104,21 @@ class VaultModel final : public QObject {
 
   Q_SIGNALS:
     void changed();
+    void secondsUntilLockChanged();
+    void runningSecondsLeftChanged();
     /// After each lock, when the store has forgotten its keys.
     void onLock();
 
+  protected:
+    void connectNotify(const QMetaMethod& signal) override;
+
   private:
     struct Reported;
+    struct Passed {
+        double done = 0;
+        double total = 0;
+        std::size_t files = 0;
+    };
 
     template <typename Work, typename Finished>
     void operate(const QString& activity, Work work, Finished finished);
@@ -112,8 +130,13 @@ class VaultModel final : public QObject {
     void lockBecause(const QString& reason, SleepDelay delay = nullptr);
     void finishLock(const Outcome<VaultStatus>& status);
     void take(const std::vector<std::string>& paths, Reported& reported);
+    void setRunning(TimeLeft running);
+    void tellTimeLeft(const Passed& step);
     void checkIdleTimeLater();
-    bool isIdle() const;
+    void lockIfIdle();
+    double idleTimeLeft() const;
+    void tellTimeUntilLock();
+    void countDown();
 
     std::shared_ptr<VaultStore> store_; // jobs under way hold it too
     Surroundings surroundings_;
@@ -128,6 +151,9 @@ class VaultModel final : public QObject {
     QString notice_;
     QString lockReason_;
     double lastActivity_ = 0;
+    int toldSecondsUntilLock_ = TimeLeft::unknown;
+    bool isCountingDown_ = false;
+    TimeLeft running_;
     std::uint64_t panelCount_ = 0;
     std::optional<std::uint64_t> activePanel_;
     std::vector<SleepDelay> sleepDelays_; // given up when the lock is done

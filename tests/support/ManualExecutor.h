@@ -21,6 +21,7 @@ class ManualExecutor final : public Executor {
     Date now() const override { return {1'700'000'000 + uptime_}; }
 
     std::size_t workCount() const { return work_.size(); }
+    std::size_t timerCount() const { return timers_.size(); }
 
     /// Does the piece of work that waits at `index`, the oldest by default.
     void work(std::size_t index = 0) {

@@ -36,8 +36,8 @@ Application::Application(const Options& options, FileOpener& opener)
               .clipboard = clipboard_,
               .opener = opener,
               .makeMonitor =
-                  [this](std::function<void()> changed) {
-                      return monitorSystemFolders(runtime_.executor(), {std::move(changed), {}});
+                  [this](FolderListener::Handlers handlers) {
+                      return monitorSystemFolders(runtime_.executor(), std::move(handlers));
                   }},
              {.dataDirectory = options.dataDirectory,
               .isDataDirectoryGiven = options.isDataDirectoryGiven}),

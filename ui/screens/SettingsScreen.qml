@@ -40,6 +40,9 @@ FocusScope {
                         required property string path
                         required property string name
                         required property bool available
+                        required property string freshness
+                        required property date freshSince
+                        required property string freshnessReason
                         Layout.fillWidth: true
                         spacing: 12
                         AppIcon { symbol: "folder" }
@@ -55,6 +58,15 @@ FocusScope {
                                 Layout.fillWidth: true
                                 text: root.available ? Format.path(root.path) : qsTr("Not available now: %1").arg(Format.path(root.path))
                                 elide: Text.ElideMiddle
+                                isSecondary: true
+                                font.pixelSize: Theme.caption
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                text: root.freshness === "live" ? qsTr("Changes are noticed at once.")
+                                    : root.freshness === "periodic" ? qsTr("Scanned every five minutes. %1").arg(root.freshnessReason)
+                                    : qsTr("Changes are not noticed since %1. %2").arg(Format.dateTime(root.freshSince)).arg(root.freshnessReason)
+                                wrapMode: Text.Wrap
                                 isSecondary: true
                                 font.pixelSize: Theme.caption
                             }

@@ -179,6 +179,50 @@ TEST_F(VaultModelTest, LocksWhenNobodyUsesIt) {
     expectLocked(inactive);
 }
 
+TEST_F(VaultModelTest, TellsTheTimeLeftWhileSomebodyListens) {
+    create();
+    EXPECT_EQ(model.secondsUntilLock(), 300);
+    EXPECT_EQ(executor.timerCount(), 1U) << "nobody listens";
+    std::vector<int> told;
+    QObject listener;
+    QObject::connect(&model, &VaultModel::secondsUntilLockChanged, &listener,
+                     [&] { told.push_back(model.secondsUntilLock()); });
+    executor.advance(3);
+    EXPECT_EQ(told, std::vector({299, 298, 297}));
+    model.noteActivity();
+    asleep += 297.5;
+    executor.advance(1);
+    EXPECT_EQ(told, std::vector({299, 298, 297, 300, 2}));
+    executor.advance(2); // sooner than the next look at the clock
+    expectLocked(inactive);
+    EXPECT_EQ(model.secondsUntilLock(), -1);
+    EXPECT_EQ(executor.timerCount(), 1U);
+
+    unlock();
+    std::vector<int> left;
+    QObject::connect(&model, &VaultModel::runningSecondsLeftChanged, &listener,
+                     [&] { left.push_back(model.runningSecondsLeft()); });
+    hook = [&, main = std::this_thread::get_id()](vault::FileCalls::Call call) {
+        if (call == vault::FileCalls::Call::write && std::this_thread::get_id() == main) {
+            executor.pass(1); // what each mebibyte takes
+            executor.deliver();
+        }
+        return 0;
+    };
+    const auto expectCountdown = [&] {
+        ASSERT_GE(left.size(), 3U);
+        EXPECT_NEAR(left.front(), 4, 2);
+        EXPECT_EQ(left.back(), -1);
+        EXPECT_TRUE(std::is_sorted(left.rbegin(), left.rend()));
+        left.clear();
+    };
+    import({tree.write("big", std::string(3 << 20, 'x'))});
+    expectCountdown();
+    model.exportItem(model.items()->rows().front().id, tree.path("copy"));
+    executor.settle();
+    expectCountdown();
+}
+
 TEST_F(VaultModelTest, LocksWhenTheProgramOrTheSessionIsLeft) {
     FakeSignals signals;
     SessionLock sessionLock(signals, executor, model);
