@@ -1,6 +1,7 @@
 #include "ui/desktop/ActivationToken.h"
 
-#include <QGuiApplication>
+#include "ui/desktop/X11HotKey.h"
+
 #include <QWindow>
 #include <algorithm>
 #include <memory>
@@ -94,9 +95,8 @@ void activate(QWindow& window, const QVariantMap& platformData) {
     if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
     window.requestActivate();
     const QString startup = platformData.value(startupKey).toString();
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11 || startup.isEmpty()) return;
-    const RootMessages messages(x11->connection());
+    if (!x11Connection() || startup.isEmpty()) return;
+    const RootMessages messages(x11Connection());
     const auto native = static_cast<xcb_window_t>(window.winId());
     if (const std::uint32_t time = timeOf(startup)) messages.activate(native, time);
     messages.endStartup(native, startup.toUtf8());

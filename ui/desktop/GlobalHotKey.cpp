@@ -3,8 +3,6 @@
 #include "ui/desktop/PortalHotKey.h"
 #include "ui/desktop/X11HotKey.h"
 
-#include <QGuiApplication>
-
 namespace tovi {
 namespace {
 
@@ -61,7 +59,7 @@ std::unique_ptr<HotKeySource> makeHotKeySource() {
     // An X server below a Wayland desktop hears only the keys that its own windows get.
     const bool isWayland = qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") ||
                            qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-    if (qGuiApp->nativeInterface<QNativeInterface::QX11Application>() && !isWayland) {
+    if (x11Connection() && !isWayland) {
         return std::make_unique<X11HotKey>();
     }
     return std::make_unique<PortalHotKey>(QDBusConnection::sessionBus());

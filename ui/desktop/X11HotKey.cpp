@@ -18,23 +18,24 @@ constexpr xcb_keysym_t spaceKey = 0x20;
 constexpr std::array<std::uint16_t, 4> lockMasks{0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2,
                                                  XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2};
 
-xcb_connection_t* connection() {
-    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-}
-
 xcb_window_t rootWindow() {
-    return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+    return xcb_setup_roots_iterator(xcb_get_setup(x11Connection())).data->root;
 }
 
 std::uint8_t keyCodeOf(xcb_keysym_t symbol) {
     const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
-        xcb_key_symbols_alloc(connection()), &xcb_key_symbols_free);
+        xcb_key_symbols_alloc(x11Connection()), &xcb_key_symbols_free);
     const std::unique_ptr<xcb_keycode_t, decltype(&std::free)> codes(
         xcb_key_symbols_get_keycode(symbols.get(), symbol), &std::free);
     return codes ? *codes : 0;
 }
 
 } // namespace
+
+xcb_connection_t* x11Connection() {
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
 
 X11HotKey::X11HotKey() {
     qGuiApp->installNativeEventFilter(this);
@@ -61,10 +62,10 @@ bool X11HotKey::grab() {
     bool isTaken = keyCode_ != 0;
     for (const std::uint16_t locks : lockMasks) {
         const xcb_void_cookie_t request = xcb_grab_key_checked(
-            connection(), 1, rootWindow(), static_cast<std::uint16_t>(modifiers_ | locks), keyCode_,
-            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+            x11Connection(), 1, rootWindow(), static_cast<std::uint16_t>(modifiers_ | locks),
+            keyCode_, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
         const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> error(
-            xcb_request_check(connection(), request), &std::free);
+            xcb_request_check(x11Connection(), request), &std::free);
         isTaken = isTaken && !error;
     }
     if (!isTaken) ungrab();
@@ -73,9 +74,9 @@ bool X11HotKey::grab() {
 
 void X11HotKey::ungrab() const {
     for (const std::uint16_t locks : lockMasks)
-        xcb_ungrab_key(connection(), keyCode_, rootWindow(),
+        xcb_ungrab_key(x11Connection(), keyCode_, rootWindow(),
                        static_cast<std::uint16_t>(modifiers_ | locks));
-    xcb_flush(connection());
+    xcb_flush(x11Connection());
 }
 
 bool X11HotKey::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {

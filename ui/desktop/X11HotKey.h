@@ -5,9 +5,14 @@
 #include <QAbstractNativeEventFilter>
 #include <cstdint>
 
+struct xcb_connection_t;
+
 namespace tovi {
 
-/// Shortcuts of the X server. To be made on that platform only.
+/// The program's connection to the X server; none on other platforms.
+xcb_connection_t* x11Connection();
+
+/// Shortcuts of the X server. To be made where there is a connection to it.
 class X11HotKey final : public HotKeySource, public QAbstractNativeEventFilter {
   public:
     X11HotKey();
