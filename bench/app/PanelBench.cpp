@@ -1,9 +1,9 @@
 // How fast the quick search panel and the search of the desktop answer on a large library, on the
 // display and the session bus that there are: panel DATA-DIRECTORY
 #include "bench/Prose.h"
+#include "bench/Stopwatch.h"
 #include "ui/desktop/Application.h"
 
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <algorithm>
@@ -27,14 +27,25 @@ void waitFor(Condition condition) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-double milliseconds(const QElapsedTimer& timer) {
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+struct Times {
+    double wall = 0;
+    double processor = 0; // of all threads
+};
+
+/// In milliseconds.
+Times read(const bench::Stopwatch& stopwatch) {
+    return {stopwatch.wall() * 1e3, stopwatch.processor() * 1e3};
 }
 
-void print(const std::string& what, std::vector<double> times) {
-    std::sort(times.begin(), times.end());
-    fmt::print("{:44} {:7.1f} {:7.1f} {:7.1f} ms\n", what, times.front(), times[times.size() / 2],
-               times.back());
+void print(const std::string& what, std::vector<Times> times) {
+    std::sort(times.begin(), times.end(),
+              [](const Times& left, const Times& right) { return left.wall < right.wall; });
+    std::vector<double> processor;
+    for (const Times& each : times)
+        processor.push_back(each.processor);
+    std::sort(processor.begin(), processor.end());
+    fmt::print("{:44} {:8.1f} {:8.1f} {:8.1f} {:8.1f}\n", what, times.front().wall,
+               times[times.size() / 2].wall, times.back().wall, processor[processor.size() / 2]);
 }
 
 QQuickWindow* panel() {
@@ -46,41 +57,40 @@ QQuickWindow* panel() {
 }
 
 /// From the press of the shortcut to a panel that is drawn and has the focus.
-double present(DesktopIntegration& integration) {
-    QElapsedTimer timer;
-    timer.start();
+Times present(DesktopIntegration& integration) {
+    const bench::Stopwatch stopwatch;
     integration.showQuickSearch({});
     bool isDrawn = false;
     const auto drawn =
         QObject::connect(panel(), &QQuickWindow::frameSwapped, panel(), [&] { isDrawn = true; });
     waitFor([&] { return isDrawn && panel()->isActive(); });
     QObject::disconnect(drawn);
-    return milliseconds(timer);
+    return read(stopwatch);
 }
 
 /// From the moment the text has stood still for long enough to its files in the panel.
-double results(QuickSearchState& state, const QString& phrase) {
-    QElapsedTimer timer;
+Times results(QuickSearchState& state, const QString& phrase) {
     state.setQuery(QString());
     waitFor([&] { return !state.isSearching(); });
+    const bench::Stopwatch stopwatch;
     state.setQuery(phrase);
-    timer.start();
     waitFor([&] { return !state.isSearching(); });
-    return milliseconds(timer) - QuickSearchState::debounce * 1000;
+    Times times = read(stopwatch);
+    times.wall -= QuickSearchState::debounce * 1e3;
+    return times;
 }
 
-double answer(SystemSearch& search, const QString& phrase) {
+Times answer(SystemSearch& search, const QString& phrase) {
     bool isAnswered = false;
-    QElapsedTimer timer;
-    timer.start();
+    const bench::Stopwatch stopwatch;
     search.find(phrase, [&](const std::vector<FileRecord>&) { isAnswered = true; });
     waitFor([&] { return isAnswered; });
-    return milliseconds(timer);
+    return read(stopwatch);
 }
 
 template <typename Measure>
-std::vector<double> repeated(Measure measure) {
-    std::vector<double> times(runs);
+std::vector<Times> repeated(Measure measure) {
+    std::vector<Times> times(runs);
     std::generate(times.begin(), times.end(), measure);
     return times;
 }
@@ -104,10 +114,12 @@ void run(const std::string& dataDirectory) {
     });
 
     DesktopIntegration& integration = application.integration();
-    fmt::print("{:44} {:>7} {:>7} {:>7}\n", "", "lowest", "median", "highest");
+    fmt::print("{:44} {:>8} {:>8} {:>8} {:>8}\n", "milliseconds", "lowest", "median", "highest",
+               "processor");
     print("panel drawn and focused, the first time", {present(integration)});
     print("panel drawn and focused, again", repeated([&] {
               panel()->hide();
+              waitFor([] { return !panel()->isActive(); });
               return present(integration);
           }));
     const bench::Prose prose(bench::corpusSeed);

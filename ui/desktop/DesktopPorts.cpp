@@ -23,6 +23,12 @@ QString decoded(const std::string& path) {
     return QFile::decodeName(QByteArray::fromStdString(path));
 }
 
+/// False as well where it cannot be told, as in a folder closed to the user.
+bool isThere(const std::string& path) {
+    std::error_code unknown;
+    return std::filesystem::exists(std::filesystem::symlink_status(path, unknown));
+}
+
 } // namespace
 
 void WindowFolderPicker::pick(const Request& request, Answer answer) {
@@ -63,11 +69,11 @@ void SystemFileOpener::tellFailure() {
 }
 
 bool SystemFileOpener::open(const std::string& path) {
-    return std::filesystem::exists(std::filesystem::symlink_status(path)) && launcher_.open(path);
+    return isThere(path) && launcher_.open(path);
 }
 
 bool SystemFileOpener::reveal(const std::string& path) {
-    if (!std::filesystem::exists(std::filesystem::symlink_status(path))) return false;
+    if (!isThere(path)) return false;
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return openFolder(path);
     QDBusMessage call = QDBusMessage::createMethodCall(

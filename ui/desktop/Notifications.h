@@ -29,7 +29,7 @@ class Notifications : public QObject {
     void keepToken(uint notification, const QString& token);
     void forget(uint notification);
 
-  private:
+  private: // NOLINT(readability-redundant-access-specifiers)
     QDBusConnection bus_;
     QHash<uint, QList<Action>> shown_;
     QString token_; // of the action that is about to come

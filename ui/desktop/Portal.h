@@ -36,7 +36,7 @@ class PortalRequest : public QObject {
   private Q_SLOTS:
     void respond(const QDBusMessage& message);
 
-  private:
+  private: // NOLINT(readability-redundant-access-specifiers)
     PortalRequest(QDBusConnection bus, QObject* context, Answer answer);
     void listen(const QString& request);
     void finish(Result result, const QVariantMap& values);

@@ -21,7 +21,7 @@ class PortalHotKey final : public HotKeySource {
     void activate(const QDBusMessage& message);
     void sessionClosed();
 
-  private:
+  private: // NOLINT(readability-redundant-access-specifiers)
     void bind();
     void settle(State state, const QString& keys = {});
 

@@ -32,7 +32,7 @@ class SystemAppearance : public QObject {
   private Q_SLOTS:
     void change(const QString& space, const QString& key, const QDBusVariant& value);
 
-  private:
+  private: // NOLINT(readability-redundant-access-specifiers)
     enum class Wish { Scheme, Contrast, Motion };
 
     void read();

@@ -38,7 +38,7 @@ class Tray : public QObject {
   private Q_SLOTS:
     void findHost();
 
-  private:
+  private: // NOLINT(readability-redundant-access-specifiers)
     void setShown(bool isShown);
 
     QDBusConnection bus_;
