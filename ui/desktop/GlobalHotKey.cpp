@@ -61,7 +61,9 @@ std::unique_ptr<HotKeySource> makeHotKeySource() {
     // An X server below a Wayland desktop hears only the keys that its own windows get.
     const bool isWayland = qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") ||
                            qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-    if (qGuiApp->nativeInterface<QNativeInterface::QX11Application>() && !isWayland) {
+    // Without a screen Qt offers the interface, but no connection behind it.
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (x11 != nullptr && x11->connection() != nullptr && !isWayland) {
         return std::make_unique<X11HotKey>();
     }
     return std::make_unique<PortalHotKey>(QDBusConnection::sessionBus());
