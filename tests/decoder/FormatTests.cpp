@@ -272,6 +272,30 @@ TEST_F(PictureTest, TurnsUprightAsTheCameraSays) {
     }
 }
 
+TEST_F(PictureTest, TrustsNoSmallerCopyInTheFile) {
+    const auto mirrored = [](const std::string& bytes) {
+        PixPointer pix = pixOf(bytes);
+        pixFlipLR(pix.get(), pix.get());
+        return pix;
+    };
+    const std::string lie = written(mirrored(redAndBlue(".png")).get(), IFF_JFIF_JPEG);
+    const std::string jpeg = redAndBlue(".jpg", [&](VipsImage* image) {
+        vips_image_set_blob_copy(image, "jpeg-thumbnail-data", lie.data(), lie.size());
+        return image;
+    });
+    ASSERT_THAT(jpeg, HasSubstr(lie));
+    const test::TemporaryTree tree;
+    const std::string tiff = tree.path("levels.tif");
+    const PixPointer level(pixScale(mirrored(redAndBlue(".png")).get(), 0.5, 0.5));
+    pixWriteTiff(tiff.c_str(), pixOf(redAndBlue(".png")).get(), IFF_TIFF, "w");
+    pixWriteTiff(tiff.c_str(), level.get(), IFF_TIFF, "a");
+    for (const std::string& bytes : {jpeg, test::readFile(tiff), fixture("lying-thumbnail.heic")}) {
+        const Picture picture = load(bytes, 16);
+        EXPECT_EQ(colourAt(picture, 2, 4), 'R');
+        EXPECT_EQ(colourAt(picture, 14, 4), 'B');
+    }
+}
+
 TEST_F(PictureTest, RefusesBombsBeforeDecodingThem) {
     // Headers only: reading any further would fail with another sentence.
     std::string png = redAndBlue(".png").substr(0, 33);

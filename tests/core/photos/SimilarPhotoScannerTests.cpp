@@ -93,7 +93,7 @@ TEST_F(SimilarPhotos, AreGroupedInTheOrderOfTheirDates) {
     EXPECT_FALSE(report.limited);
     const SimilarPhotoGroup& group = report.groups[1];
     EXPECT_EQ(group.id(), tree_.path("a1.png"));
-    EXPECT_EQ(group.keeper(), 1U) << "it has more pixels";
+    EXPECT_EQ(group.keeper(), std::optional(1U)) << "it has more pixels";
     EXPECT_EQ(group.potentialBytes(), 7);
     ASSERT_EQ(heard.size(), 7U + 6U);
     EXPECT_EQ(heard[6], std::pair(std::string("Reading photos"), 7));
