@@ -171,7 +171,7 @@ std::vector<FileRecord> IndexStore::search(const SearchQuery& query, std::int64_
         if (splitWhitespace(query.text).empty()) return page({}, {});
 
         const WordJudge judge(*db_, query.text);
-        if (Look look{judge}; Look::isWorthwhile(judge)) {
+        if (Look look{judge}; query.order == FileOrder{} && Look::isWorthwhile(judge)) {
             try {
                 return page(textClause(look, query.text), {});
             } catch (const IntelligenceError&) {
