@@ -29,7 +29,7 @@ FocusScope {
     signal moreWanted
 
     property int anchorRow: -1
-    readonly property int folderWidth: width > 640 ? 200 : 0
+    readonly property int folderWidth: width > 720 ? 200 : 0
     readonly property int kindWidth: width > 820 ? 90 : 0
     readonly property int dateWidth: 96
     readonly property int sizeWidth: 76
