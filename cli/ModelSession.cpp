@@ -10,10 +10,9 @@ namespace tovi::cli {
 ModelSession::ModelSession(const Context& context, const std::optional<Following>& following)
     : application_(argumentCount_, arguments_), stop_(context.stop), runtime_(decoderPath()) {
     const auto makeMonitor =
-        [this, following](std::function<void()> changed) -> std::unique_ptr<FolderChanges> {
+        [this, following](FolderListener::Handlers handlers) -> std::unique_ptr<FolderChanges> {
         if (!following) return nullptr;
-        return monitorSystemFolders(runtime_.executor(),
-                                    {std::move(changed), following->freshness});
+        return monitorSystemFolders(runtime_.executor(), std::move(handlers));
     };
     AppSettings settings{.dataDirectory = context.dataDirectory,
                          .isDataDirectoryGiven = true,

@@ -15,8 +15,7 @@ namespace tovi::cli {
 class ModelSession {
   public:
     struct Following {
-        double interval = 15.0; // seconds between the starts of two scans
-        std::function<void(const std::vector<platform::FolderFreshness>&)> freshness;
+        double interval = 15.0;                 // seconds between the starts of two scans
         std::function<void(AppModel&)> connect; // before the model starts
     };
 

@@ -31,6 +31,7 @@ ApplicationWindow {
         text: section.text, symbol: section.symbol, run: () => show(section.id)
     })).concat([
         { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
+        { text: qsTr("Quick search"), symbol: "magnifyingglass", run: () => QuickPanel.present() },
         { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
         { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
           symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
@@ -94,6 +95,9 @@ ApplicationWindow {
     Binding { target: Theme; property: "choice"; value: App.settings.themeChoice }
     Binding { target: Format; property: "home"; value: window.homeDirectory }
     Binding { target: Theme; property: "appearance"; value: App.settings.appearance }
+    Binding { target: Theme; property: "isSystemDark"; value: SystemAppearance.isDark; when: SystemAppearance.knowsScheme }
+    Binding { target: Theme; property: "highContrast"; value: Desktop.moreContrast || SystemAppearance.hasHighContrast }
+    Binding { target: Theme; property: "reducedMotion"; value: Desktop.lessMotion || SystemAppearance.hasReducedMotion }
 
     RowLayout {
         anchors.fill: parent
@@ -296,5 +300,6 @@ ApplicationWindow {
                 rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
         }
     }
-    Shortcut { sequences: [StandardKey.Quit]; onActivated: window.close() }
+    Shortcut { sequence: "Ctrl+W"; onActivated: window.close() }
+    Shortcut { sequences: [StandardKey.Quit]; onActivated: Qt.quit() }
 }

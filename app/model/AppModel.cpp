@@ -194,7 +194,9 @@ void AppModel::finishOpening(Opened opened) {
 
 void AppModel::makeMonitor() {
     try {
-        monitor_ = system_.makeMonitor([this] { scan_.filesDidChange(); });
+        monitor_ =
+            system_.makeMonitor({[this] { scan_.filesDidChange(); },
+                                 [this](const auto& watched) { folders_.setFreshness(watched); }});
     } catch (const std::system_error& error) {
         notices_.setError("Changes of files cannot be noticed: " + reasonOf(error));
     }
@@ -423,11 +425,17 @@ void AppModel::proposeDuplicateTrash(const QStringList& trash, const QStringList
 }
 
 bool AppModel::open(const QString& path) {
-    return system_.opener.open(fromQt(path));
+    return system_.opener.open(fromQt(path)) || tellMissing(path);
 }
 
 bool AppModel::reveal(const QString& path) {
-    return system_.opener.reveal(fromQt(path));
+    return system_.opener.reveal(fromQt(path)) || tellMissing(path);
+}
+
+bool AppModel::tellMissing(const QString& path) {
+    notices_.setError("“" + fromQt(path.section(QLatin1Char('/'), -1)) +
+                      "” could not be opened. It may have been moved.");
+    return false;
 }
 
 void AppModel::persistPreferences() {

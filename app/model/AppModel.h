@@ -10,6 +10,7 @@
 #include "app/model/SelectionModel.h"
 #include "app/model/SpacesModel.h"
 #include "app/monitor/FolderChanges.h"
+#include "app/monitor/FolderListener.h"
 #include "app/preferences/PreferencesFile.h"
 #include "core/files/ProcessLock.h"
 
@@ -23,9 +24,9 @@ struct AppSystem {
     FolderPicker& folderPicker;
     Clipboard& clipboard;
     FileOpener& opener;
-    /// Makes the monitor of the connected folders, which calls the handler on the main thread; may
+    /// Makes the monitor of the connected folders, which calls the handlers on the main thread; may
     /// return none. Throws `std::system_error`.
-    std::function<std::unique_ptr<FolderChanges>(std::function<void()> handler)> makeMonitor;
+    std::function<std::unique_ptr<FolderChanges>(FolderListener::Handlers handlers)> makeMonitor;
 };
 
 struct AppSettings {
@@ -113,6 +114,7 @@ class AppModel : public QObject {
     Q_INVOKABLE void planAgent(const QString& instruction);
     /// Of files that `findDuplicates` found; `keep` stay.
     Q_INVOKABLE void proposeDuplicateTrash(const QStringList& trash, const QStringList& keep);
+    /// Whether a program was asked; else the error message says so.
     Q_INVOKABLE bool open(const QString& path);
     Q_INVOKABLE bool reveal(const QString& path);
 
@@ -134,6 +136,7 @@ class AppModel : public QObject {
 
   private:
     struct Opened;
+    bool tellMissing(const QString& path);
     static Opened openDataDirectory(const std::string& directory, const FileActionSystem& actions,
                                     Date now);
     void finishOpening(Opened opened);

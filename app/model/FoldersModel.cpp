@@ -5,8 +5,16 @@
 #include "platform/StandardLocations.h"
 
 #include <QPointer>
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
 
 namespace tovi {
+
+using platform::FolderFreshness;
+using State = FolderFreshness::State;
+
 namespace {
 
 struct Granted {
@@ -29,6 +37,18 @@ bool isDirectory(const std::string& path) {
 
 } // namespace
 
+const char* nameOf(State state) {
+    switch (state) {
+    case State::live:
+        return "live";
+    case State::periodic:
+        return "periodic";
+    case State::stale:
+        return "stale";
+    }
+    return "";
+}
+
 FoldersModel::FoldersModel(ModelContext& context, const FileIndexer& indexer,
                            platform::Bookmarks& bookmarks, FolderPicker& picker)
     : context_(context),
@@ -38,7 +58,82 @@ FoldersModel::FoldersModel(ModelContext& context, const FileIndexer& indexer,
       list_([](const FolderGrant& grant) { return grant.path; },
             {{"path", [](const FolderGrant& grant) { return toQt(grant.path); }},
              {"name", [](const FolderGrant& grant) { return toQt(lastPathComponent(grant.path)); }},
-             {"available", [](const FolderGrant& grant) { return grant.available; }}}) {}
+             {"available", [](const FolderGrant& grant) { return grant.available; }},
+             {"freshness",
+              [this](const FolderGrant& grant) { return toQt(nameOf(freshnessOf(grant).state)); }},
+             {"freshSince",
+              [this](const FolderGrant& grant) { return toQt(freshnessOf(grant).since); }},
+             {"freshnessReason",
+              [this](const FolderGrant& grant) { return toQt(freshnessOf(grant).reason); }}}) {}
+
+void FoldersModel::setRoots(std::vector<FolderGrant> roots) {
+    list_.replace(std::move(roots));
+    updateFreshness();
+}
+
+void FoldersModel::setFreshness(const std::vector<FolderFreshness>& watched) {
+    watched_ = watched;
+    updateFreshness();
+}
+
+/// The monitor may know the folder that lies where the connected one was.
+const FolderFreshness* FoldersModel::toldOf(const FolderGrant& root) const {
+    const auto told = std::find_if(watched_.begin(), watched_.end(),
+                                   [&](const auto& folder) { return folder.root == root.path; });
+    return root.available && told != watched_.end() ? &*told : nullptr;
+}
+
+void FoldersModel::updateFreshness() {
+    std::map<std::string, FolderFreshness> current;
+    for (const FolderGrant& root : roots()) {
+        const FolderFreshness* const told = toldOf(root);
+        FolderFreshness fresh =
+            told ? *told
+                 : FolderFreshness{root.path, State::stale, context_.executor.now(),
+                                   root.available ? "It is not watched yet."
+                                                  : "The folder is not there or cannot be read."};
+        const auto before = freshness_.find(root.path);
+        if (before != freshness_.end() && before->second.state == fresh.state) {
+            fresh.since = std::min(before->second.since, fresh.since);
+        }
+        current.emplace(root.path, std::move(fresh));
+    }
+    if (std::exchange(freshness_, std::move(current)) == freshness_) return;
+    if (const int rows = list_.count(); rows > 0) {
+        Q_EMIT list_.dataChanged(list_.index(0), list_.index(rows - 1));
+    }
+    Q_EMIT freshnessChanged();
+}
+
+const FolderFreshness& FoldersModel::freshnessOf(const FolderGrant& root) const {
+    static const FolderFreshness unknown; // while the list is being replaced
+    const auto found = freshness_.find(root.path);
+    return found == freshness_.end() ? unknown : found->second;
+}
+
+std::vector<FolderFreshness> FoldersModel::freshness() const {
+    std::vector<FolderFreshness> all;
+    for (const FolderGrant& root : roots())
+        all.push_back(freshnessOf(root));
+    return all;
+}
+
+QString FoldersModel::freshnessNotice() const {
+    const FolderFreshness* first = nullptr;
+    int count = 0;
+    for (const FolderGrant& root : roots()) {
+        const FolderFreshness& fresh = freshnessOf(root);
+        const bool isStarting = root.available && !toldOf(root);
+        if (isStarting || fresh.state == State::live) continue;
+        if (count++ == 0) first = &fresh;
+    }
+    if (!first) return {};
+    if (count > 1) {
+        return toQt(fmt::format("Changes in {} folders are not noticed at once.", count));
+    }
+    return toQt(fmt::format("Changes in {} are not noticed at once. {}",
+                            printable(lastPathComponent(first->root)), first->reason));
+}
 
 std::vector<std::string> FoldersModel::availablePaths() const {
     std::vector<std::string> paths;
@@ -108,7 +203,7 @@ void FoldersModel::grantFolders(const QStringList& folders) {
             }
             setConnectionMessage(message);
             if (added.isEmpty()) return;
-            list_.replace(std::move(roots));
+            setRoots(std::move(roots));
             Q_EMIT rootsEdited();
             Q_EMIT connected(toQt(lastPathComponent(fromQt(added.last()))), added);
         });
@@ -125,7 +220,7 @@ void FoldersModel::setConnectionMessage(const std::string& text) {
 }
 
 void FoldersModel::restore(std::vector<FolderGrant> roots) {
-    list_.replace(std::move(roots));
+    setRoots(std::move(roots));
 }
 
 void FoldersModel::applyChecks(const std::vector<FolderGrant>& before,
@@ -139,7 +234,7 @@ void FoldersModel::applyChecks(const std::vector<FolderGrant>& before,
         }
     }
     if (roots == old) return;
-    list_.replace(roots);
+    setRoots(roots);
     for (std::size_t at = 0; at < old.size(); ++at) {
         if (old[at].path != roots[at].path) {
             Q_EMIT rootMoved(toQt(old[at].path), toQt(roots[at].path));
@@ -153,7 +248,7 @@ void FoldersModel::forget(const std::string& path) {
     if (std::erase_if(roots, [&](const FolderGrant& root) { return root.path == path; }) == 0) {
         return;
     }
-    list_.replace(std::move(roots));
+    setRoots(std::move(roots));
     Q_EMIT rootsEdited();
 }
 

@@ -4,28 +4,41 @@
 #include "app/model/FolderGrants.h"
 #include "app/model/ModelContext.h"
 #include "app/model/Ports.h"
+#include "platform/FolderEvents.h"
+
+#include <map>
 
 namespace tovi {
 
-/// The connected folders and how they are chosen.
+/// "live", "periodic" or "stale".
+const char* nameOf(platform::FolderFreshness::State state);
+
+/// The connected folders, how they are chosen, and how soon changes in them are noticed.
 class FoldersModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(tovi::RowListModel* roots READ rootList CONSTANT)
     Q_PROPERTY(QString connectionMessage READ connectionMessage NOTIFY changed)
     Q_PROPERTY(bool isPresentingFolderPicker READ isPresentingFolderPicker NOTIFY changed)
+    Q_PROPERTY(QString freshnessNotice READ freshnessNotice NOTIFY freshnessChanged)
 
   public:
     FoldersModel(ModelContext& context, const FileIndexer& indexer, platform::Bookmarks& bookmarks,
                  FolderPicker& picker);
 
-    /// Roles: path, name, available.
+    /// Roles: path, name, available, freshness ("live", "periodic" or "stale"), freshSince (a date)
+    /// and freshnessReason (a sentence, empty while live).
     RowListModel* rootList() { return &list_; }
     const std::vector<FolderGrant>& roots() const { return list_.rows(); }
     std::vector<std::string> availablePaths() const;
+    /// One of each root, in their order.
+    std::vector<platform::FolderFreshness> freshness() const;
 
     /// Of the last attempt to connect a folder; empty if there is nothing to say.
     QString connectionMessage() const { return connectionMessage_; }
     bool isPresentingFolderPicker() const { return isPresentingFolderPicker_; }
+
+    /// One line about the folders in which changes are not noticed at once; empty if there is none.
+    QString freshnessNotice() const;
 
     Q_INVOKABLE void presentFolderPicker();
     Q_INVOKABLE void addHomeFolder();
@@ -38,11 +51,15 @@ class FoldersModel : public QObject {
     /// Takes over what a check of the disk found; says so if something changed.
     void applyChecks(const std::vector<FolderGrant>& before, const std::vector<FolderGrant>& after);
 
+    /// Takes over what the monitor says of the folders that it watches.
+    void setFreshness(const std::vector<platform::FolderFreshness>& watched);
+
     /// Takes a folder off the list.
     void forget(const std::string& path);
 
   Q_SIGNALS:
     void changed();
+    void freshnessChanged();
     void rootsEdited(); // to be saved, and watched anew
     void rootMoved(const QString& from, const QString& to);
     void connected(const QString& name, const QStringList& paths);
@@ -50,12 +67,18 @@ class FoldersModel : public QObject {
   private:
     void pick(const FolderPicker::Request& request);
     void setConnectionMessage(const std::string& text);
+    void setRoots(std::vector<FolderGrant> roots);
+    void updateFreshness();
+    const platform::FolderFreshness* toldOf(const FolderGrant& root) const;
+    const platform::FolderFreshness& freshnessOf(const FolderGrant& root) const;
 
     ModelContext& context_;
     const FileIndexer& indexer_;
     platform::Bookmarks& bookmarks_;
     FolderPicker& picker_;
     DifferenceListModel<FolderGrant> list_;
+    std::vector<platform::FolderFreshness> watched_;             // as the monitor told last
+    std::map<std::string, platform::FolderFreshness> freshness_; // of every root, by its path
     QString connectionMessage_;
     bool isPresentingFolderPicker_ = false;
 };

@@ -16,28 +16,14 @@ namespace {
 
 using platform::FolderFreshness;
 
-const char* nameOf(FolderFreshness::State state) {
-    switch (state) {
-    case FolderFreshness::State::live:
-        return "live";
-    case FolderFreshness::State::periodic:
-        return "periodic";
-    case FolderFreshness::State::stale:
-        return "stale";
-    }
-    return "";
-}
-
 /// Prints what happens to the model, one line each, until the program is asked to stop.
 class Watch {
   public:
     explicit Watch(const Context& context) : context_(context) {}
 
     void run(double interval) {
-        ModelSession session(
-            context_, ModelSession::Following{
-                          interval, [this](const auto& folders) { freshnessChanged(folders); },
-                          [this](AppModel& model) { listen(model); }});
+        ModelSession session(context_,
+                             ModelSession::Following{interval, [this](AppModel& m) { listen(m); }});
         if (session.model().folders()->roots().empty()) {
             throw std::runtime_error("No folder is connected yet. To connect one: tovictl folders "
                                      "add FOLDER");
@@ -55,6 +41,9 @@ class Watch {
         QObject::connect(model.scan(), &ScanModel::scanEnded, [this](bool hasCompleted) {
             happened_.emplace_back([=, this](AppModel& m) { printScan(m, hasCompleted); });
         });
+        FoldersModel& folders = *model.folders();
+        QObject::connect(&folders, &FoldersModel::freshnessChanged,
+                         [this, &folders] { freshnessChanged(folders.freshness()); });
         Notices& notices = *model.notices();
         QObject::connect(&notices, &Notices::errorMessageChanged, [this, &notices] {
             const std::string error = fromQt(notices.errorMessage());

@@ -116,6 +116,8 @@ Loaded loadBmp(std::span<const std::byte> bytes, int maximumSide) {
     return {std::move(small), width, height};
 }
 
+enum class Damage { accepted, refused };
+
 bool isSupported(std::string_view loader) {
     return std::ranges::any_of(
         loaders, [loader](std::string_view supported) { return loader.starts_with(supported); });
@@ -124,8 +126,9 @@ bool isSupported(std::string_view loader) {
 /// The picture, to be read from top to bottom once. Loaders that leave out details leave out what
 /// is not wanted at `scale`; thumbnails and smaller copies in the file, which may show anything,
 /// are not used.
-Image open(std::span<const std::byte> bytes, std::string_view loader, double scale) {
+Image open(std::span<const std::byte> bytes, std::string_view loader, Damage damage, double scale) {
     std::string options = "[access=sequential";
+    if (damage == Damage::refused) options += ",fail_on=error";
     if (loader.starts_with("VipsForeignLoadJpeg")) {
         int shrink = 1;
         while (shrink < 8 && scale * shrink * 2 <= 1)
@@ -140,20 +143,23 @@ Image open(std::span<const std::byte> bytes, std::string_view loader, double sca
     return image;
 }
 
-Loaded loadOther(std::span<const std::byte> bytes, int maximumSide) {
+Loaded loadOther(std::span<const std::byte> bytes, int maximumSide, Damage damage) {
     const char* found = vips_foreign_find_load_buffer(bytes.data(), bytes.size());
     const std::string loader = found != nullptr ? found : "";
     if (!isSupported(loader)) {
         vips_error_clear();
         throw WrongFormat("The picture format is not supported.");
     }
-    Image image = open(bytes, loader, 1);
+    Image image = open(bytes, loader, damage, 1);
     int fullWidth = vips_image_get_width(image.get());
     int fullHeight = vips_image_get_height(image.get());
     refuseHugePictures(fullWidth, fullHeight);
     if (vips_image_get_orientation_swap(image.get()) != 0) std::swap(fullWidth, fullHeight);
-    const double scale = static_cast<double>(maximumSide) / std::max(fullWidth, fullHeight);
-    if (scale < 1) image = open(bytes, loader, scale);
+    // A side of no pixels would make libvips end the process.
+    const double scale =
+        std::max(1.0 / std::min(fullWidth, fullHeight),
+                 static_cast<double>(maximumSide) / std::max(fullWidth, fullHeight));
+    if (scale < 1) image = open(bytes, loader, damage, scale);
     // Without a profile of its own the picture needs no other's, which takes 5 ms.
     const bool hasProfile = vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) != 0;
     Image small = make([&](VipsImage** out) {
@@ -196,8 +202,10 @@ void preparePictures() {
 }
 
 Picture loadPicture(std::span<const std::byte> bytes, int maximumSide, Colours colours) {
+    // The text of half a picture is worth finding, but half a picture is not what it looks like.
+    const Damage damage = colours == Colours::grey ? Damage::accepted : Damage::refused;
     const Loaded loaded =
-        isBmp(bytes) ? loadBmp(bytes, maximumSide) : loadOther(bytes, maximumSide);
+        isBmp(bytes) ? loadBmp(bytes, maximumSide) : loadOther(bytes, maximumSide, damage);
     Image image = onWhite(converted(loaded.image, VIPS_INTERPRETATION_sRGB));
     if (colours == Colours::grey) image = converted(image, VIPS_INTERPRETATION_B_W);
     image = make([&](VipsImage** out) { return vips_cast_uchar(image.get(), out, nullptr); });

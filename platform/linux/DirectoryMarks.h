@@ -24,6 +24,11 @@ struct MarkNotice {
     bool isOverflow() const { return key.empty(); }
 };
 
+struct KernelLimit {
+    std::string_view name; // as sysctl(8) knows it
+    std::size_t number = 0;
+};
+
 /// One of the kernel's services that tell of changes in single directories.
 class DirectoryMarks {
   public:
@@ -44,15 +49,16 @@ class DirectoryMarks {
     /// Hands over one buffer of notices; whether there were any. Does not wait.
     virtual bool read(const std::function<void(const MarkNotice&)>& receive) = 0;
 
-    /// Half of what the user may mark.
-    virtual std::size_t allowance() const = 0;
+    /// How many directories the user may have marked, by all programs together.
+    virtual KernelLimit limit() const = 0;
 };
 
 /// Both give none where the kernel does not let this user have one more.
 std::unique_ptr<DirectoryMarks> makeInotifyMarks();
 std::unique_ptr<DirectoryMarks> makeFanotifyMarks();
 
-/// A number that the kernel keeps in a file of /proc; `fallback` where it does not.
-std::size_t kernelNumber(const char* path, std::size_t fallback);
+/// The lower of two limits, such as "fs.inotify.max_user_watches"; `fallback` stands for the first
+/// where the kernel does not tell.
+KernelLimit lowerLimit(std::string_view first, std::string_view second, std::size_t fallback);
 
 } // namespace tovi::platform

@@ -69,8 +69,8 @@ class FanotifyMarks final : public DirectoryMarks {
         return true;
     }
 
-    std::size_t allowance() const override {
-        return kernelNumber("/proc/sys/fs/fanotify/max_user_marks", 8192) / 2;
+    KernelLimit limit() const override {
+        return lowerLimit("fs.fanotify.max_user_marks", "user.max_fanotify_marks", 8192);
     }
 
   private:

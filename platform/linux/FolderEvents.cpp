@@ -39,7 +39,8 @@ struct Root {
     FolderFreshness freshness;
     std::vector<std::string> mounts;
     std::optional<Clock::time_point> nextTry;
-    bool isWhole = false; // every folder below is watched
+    bool isWhole = false;  // every folder below is watched
+    std::string refusal{}; // of the first that could not be, a sentence
     bool isGone = false;
 
     const std::string& path() const { return freshness.root; }
@@ -129,7 +130,7 @@ class SystemFolderEvents final : public FolderEvents {
 
     void addService(std::unique_ptr<DirectoryMarks> marks) {
         if (!marks) return;
-        const std::size_t maximum = options_.maximumWatches.value_or(marks->allowance());
+        const std::size_t maximum = options_.maximumWatches.value_or(marks->limit().number / 2);
         services_.push_back({std::move(marks), maximum, 0});
     }
 
@@ -177,15 +178,15 @@ class SystemFolderEvents final : public FolderEvents {
         const FileDescriptor directory = openDirectory(path);
         if (!directory.isOpen()) return false; // the index cannot read it either
         std::optional<Place> place = add(directory, DirectoryMarks::Scope::entries);
-        if (!place) {
-            root.isWhole = false;
-            return false;
-        }
-        if (const auto known = paths_.find(*place); known != paths_.end()) {
+        if (const auto known = place ? paths_.find(*place) : paths_.end(); known != paths_.end()) {
             if (known->second == path) return true;
             drop(std::string(known->second)); // it was renamed
             place = add(directory, DirectoryMarks::Scope::entries);
-            if (!place) return false;
+        }
+        if (!place) {
+            root.isWhole = false;
+            root.refusal = refusal_;
+            return false;
         }
         if (places_.contains(path)) drop(path);
         ++services_[place->service].used;
@@ -199,8 +200,9 @@ class SystemFolderEvents final : public FolderEvents {
         return true;
     }
 
-    /// From the first service that can mark this folder; nothing where all that can are full.
+    /// From the first service that can mark this folder; nothing, and `refusal_`, where none can.
     std::optional<Place> add(const FileDescriptor& directory, DirectoryMarks::Scope scope) {
+        refusal_.clear();
         for (std::size_t n = 0; n < services_.size(); ++n) {
             Service& service = services_[n];
             try {
@@ -209,8 +211,17 @@ class SystemFolderEvents final : public FolderEvents {
                                     scope == DirectoryMarks::Scope::itself;
                 if (isRoom) return place;
                 service.marks->remove(place.key);
-            } catch (const std::system_error&) {
-                continue; // full, or not for this file system
+                refusal_ = fmt::format("It has more folders than Tovi watches at once ({}).",
+                                       service.maximum);
+            } catch (const std::system_error& error) {
+                if (error.code() == std::errc::no_space_on_device) {
+                    const KernelLimit limit = service.marks->limit();
+                    refusal_ = fmt::format("The system lets your programs watch no more folders "
+                                           "({} is {}).",
+                                           limit.name, limit.number);
+                } else if (refusal_.empty()) { // a limit tells more than a file system without
+                    refusal_ = "The system cannot watch all of it: " + reasonOf(error) + ".";
+                }
             }
         }
         return std::nullopt;
@@ -301,10 +312,8 @@ class SystemFolderEvents final : public FolderEvents {
 
     void becomePeriodic(Root& root) {
         setState(root, State::periodic,
-                 services_.empty()
-                     ? "The system lets no more programs watch folders."
-                     : fmt::format("It has more folders than may be watched at once ({}).",
-                                   services_.back().maximum));
+                 services_.empty() ? "The system lets no more programs watch folders."
+                                   : root.refusal);
         tryIn(root, options_.period);
     }
 
@@ -354,6 +363,7 @@ class SystemFolderEvents final : public FolderEvents {
     std::map<Place, std::string> paths_; // the same the other way round
     std::map<Place, std::string> ancestors_;
     std::vector<FolderEvent> events_; // not handed over yet
+    std::string refusal_;             // why the last folder could not be marked
 };
 
 /// Marks a folder before the walk reads it.

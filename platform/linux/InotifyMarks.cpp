@@ -1,6 +1,7 @@
 #include "base/SystemError.h"
 #include "platform/linux/DirectoryMarks.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -55,8 +56,8 @@ class InotifyMarks final : public DirectoryMarks {
         return true;
     }
 
-    std::size_t allowance() const override {
-        return kernelNumber("/proc/sys/fs/inotify/max_user_watches", 8192) / 2;
+    KernelLimit limit() const override {
+        return lowerLimit("fs.inotify.max_user_watches", "user.max_inotify_watches", 8192);
     }
 
   private:
@@ -72,9 +73,16 @@ std::unique_ptr<DirectoryMarks> makeInotifyMarks() {
     return std::make_unique<InotifyMarks>(std::move(queue));
 }
 
-std::size_t kernelNumber(const char* path, std::size_t fallback) {
-    std::size_t number = 0;
-    return std::ifstream(path) >> number ? number : fallback;
+KernelLimit lowerLimit(std::string_view first, std::string_view second, std::size_t fallback) {
+    const auto read = [](std::string_view name) -> std::optional<std::size_t> {
+        std::string path = "/proc/sys/" + std::string(name);
+        std::replace(path.begin(), path.end(), '.', '/');
+        std::size_t number = 0;
+        return std::ifstream(path) >> number ? std::optional(number) : std::nullopt;
+    };
+    const KernelLimit usual{first, read(first).value_or(fallback)};
+    const KernelLimit other{second, read(second).value_or(usual.number)};
+    return other.number < usual.number ? other : usual;
 }
 
 } // namespace tovi::platform

@@ -201,6 +201,15 @@ TEST_F(FakeDecoder, TriesAFileOnceMore) {
     }
 }
 
+TEST_F(FakeDecoder, IsReplacedByAFreshOneWhenWorn) {
+    DecoderPool pool(behaving("fine"));
+    for (int served = 0; served < 500; ++served)
+        readPdf(pool, pdf_);
+    EXPECT_EQ(starts("fine"), 1U);
+    readPdf(pool, pdf_);
+    EXPECT_EQ(starts("fine"), 2U);
+}
+
 TEST_F(FakeDecoder, LosesPatience) {
     DecoderPoolOptions options = behaving("hang");
     ASSERT_EQ(::mkfifo(tree_.path("hang.arrived").c_str(), 0600), 0);

@@ -30,6 +30,7 @@ Item {
         .arg(Format.size(size)).arg(Format.date(date)).arg(Format.path(folder)).arg(index + 1).arg(owner.count)
         + (excerpt ? ": " + excerpt.replace(/<[^>]*>/g, "") : "")
     Accessible.selected: isChosen
+    Accessible.onPressAction: owner.choose(index, Qt.NoModifier)
 
     Rectangle {
         anchors.fill: parent

@@ -36,8 +36,8 @@ Application::Application(const Options& options, FileOpener& opener)
               .clipboard = clipboard_,
               .opener = opener,
               .makeMonitor =
-                  [this](std::function<void()> changed) {
-                      return monitorSystemFolders(runtime_.executor(), {std::move(changed), {}});
+                  [this](FolderListener::Handlers handlers) {
+                      return monitorSystemFolders(runtime_.executor(), std::move(handlers));
                   }},
              {.dataDirectory = options.dataDirectory,
               .isDataDirectoryGiven = options.isDataDirectoryGiven}),
@@ -54,7 +54,13 @@ Application::Application(const Options& options, FileOpener& opener)
            .secondsSinceBoot = platform::secondsSinceBoot}),
       session_(platform::makeSessionSignals()),
       sessionLock_(*session_, runtime_.executor(), vault_),
-      integration_(runtime_.executor(), model_, opener, engine_) {
+      integration_({.executor = runtime_.executor(),
+                    .model = model_,
+                    .cleanup = cleanup_,
+                    .vault = vault_,
+                    .opener = opener,
+                    .engine = engine_,
+                    .dataDirectory = options.dataDirectory}) {
     if (!options.section.isEmpty()) model_.setSection(options.section);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker_);

@@ -44,6 +44,11 @@ FocusScope {
                     onClicked: App.scan.isPaused ? App.scan.pauseIndexing() : App.scan.rescan()
                 }
             }
+            Statement {
+                visible: text !== ""
+                symbol: "exclamationmark.triangle"
+                text: App.folders.freshnessNotice
+            }
             GridLayout {
                 Layout.fillWidth: true
                 columns: screen.width > 900 ? 4 : 2

@@ -40,7 +40,7 @@ FocusScope {
             EmptyState {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 48
-                visible: [folders, reading, quickSearch, appearance].every(group => !group.visible)
+                visible: [folders, reading, quickSearch, desktop, appearance].every(group => !group.visible)
                 symbol: "magnifyingglass"
                 title: qsTr("No setting of these words")
                 action: qsTr("Show all")
@@ -59,6 +59,9 @@ FocusScope {
                         required property string path
                         required property string name
                         required property bool available
+                        required property string freshness
+                        required property date freshSince
+                        required property string freshnessReason
                         Layout.fillWidth: true
                         spacing: 12
                         AppIcon { symbol: "folder" }
@@ -74,6 +77,15 @@ FocusScope {
                                 Layout.fillWidth: true
                                 text: root.available ? Format.path(root.path) : qsTr("Not available now: %1").arg(Format.path(root.path))
                                 elide: Text.ElideMiddle
+                                isSecondary: true
+                                font.pixelSize: Theme.caption
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                text: root.freshness === "live" ? qsTr("Changes are noticed at once.")
+                                    : root.freshness === "periodic" ? qsTr("Scanned every five minutes. %1").arg(root.freshnessReason)
+                                    : qsTr("Changes are not noticed since %1. %2").arg(Format.dateTime(root.freshSince)).arg(root.freshnessReason)
+                                wrapMode: Text.Wrap
                                 isSecondary: true
                                 font.pixelSize: Theme.caption
                             }
@@ -139,6 +151,11 @@ FocusScope {
                 Layout.fillWidth: true
                 visible: has(filter.text)
             }
+            DesktopSettingsGroup {
+                id: desktop
+                Layout.fillWidth: true
+                visible: has(filter.text)
+            }
 
             SettingsGroup {
                 id: appearance
@@ -162,7 +179,7 @@ FocusScope {
                     options: [
                         { value: "light", text: qsTr("Light") },
                         { value: "dark", text: qsTr("Dark") },
-                        { value: "system", text: qsTr("As the system") }
+                        { value: "system", text: Theme.isSystemDark ? qsTr("As the system (dark)") : qsTr("As the system (light)") }
                     ]
                     current: App.settings.appearance
                     onChosen: value => App.settings.appearance = value

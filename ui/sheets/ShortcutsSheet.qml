@@ -16,6 +16,8 @@ Sheet {
         "F6", qsTr("Sidebar and screen"),
         "F9", qsTr("Hide or show the sidebar"),
         "Alt+Left", qsTr("Back"),
+        "Ctrl+W", qsTr("Close the window"),
+        "Ctrl+Q", qsTr("Quit"),
         "Space", qsTr("Preview"),
         "Ctrl+Space", qsTr("Choose another file"),
         "Ctrl+A", qsTr("Choose all"),

@@ -30,6 +30,10 @@ class AppModelTest : public ModelFixture {
     std::string connectionMessage() const {
         return model->folders()->connectionMessage().toStdString();
     }
+    std::string freshnessOf(int root, const char* role = "freshness") const {
+        const auto value = model->folders()->rootList()->value(root, QString::fromUtf8(role));
+        return value.toString().toStdString();
+    }
     bool isAvailable(std::size_t root = 0) const {
         return model->folders()->roots().at(root).available;
     }
@@ -165,6 +169,34 @@ TEST_F(AppModelTest, KeepsTheRowsOfAFolderThatIsNotTheOneConnected) {
     EXPECT_TRUE(isAvailable());
     EXPECT_THAT(watched, ElementsAre(tree.path("disk")));
     EXPECT_THAT(issues(), IsEmpty());
+}
+
+TEST_F(AppModelTest, SaysHowSoonChangesAreNoticed) {
+    using State = platform::FolderFreshness::State;
+    const std::string disk = tree.makeDirectory("disk");
+    const std::string home = tree.makeDirectory("home");
+    model = start();
+    const auto notice = [&] { return model->folders()->freshnessNotice().toStdString(); };
+    model->folders()->grantFolders({at("disk"), at("home")});
+    executor.settle();
+    EXPECT_EQ(freshnessOf(0), "stale");
+    EXPECT_EQ(notice(), "") << "it is only about to be watched";
+
+    const Date since = executor.now() - 100;
+    freshness({{disk, State::live, since, ""}, {home, State::periodic, since, "Too many."}});
+    EXPECT_EQ(freshnessOf(0), "live");
+    EXPECT_EQ(freshnessOf(1), "periodic");
+    EXPECT_EQ(freshnessOf(1, "freshnessReason"), "Too many.");
+    EXPECT_EQ(notice(), "Changes in home are not noticed at once. Too many.");
+
+    fs::rename(disk, tree.path(".away"));
+    tree.makeDirectory("disk"); // is watched as before, but it is another folder
+    model->scan()->rescan();
+    executor.settle();
+    freshness({{disk, State::live, since, ""}, {home, State::periodic, since, "Too many."}});
+    EXPECT_EQ(freshnessOf(0), "stale");
+    EXPECT_EQ(freshnessOf(0, "freshnessReason"), "The folder is not there or cannot be read.");
+    EXPECT_EQ(notice(), "Changes in 2 folders are not noticed at once.");
 }
 
 TEST_F(AppModelTest, FollowsAFolderThatWasRenamed) {

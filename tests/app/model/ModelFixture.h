@@ -74,8 +74,9 @@ class ModelFixture : public testing::Test {
                       picker,
                       clipboard,
                       opener,
-                      [this](std::function<void()> handler) {
-                          filesChange = std::move(handler);
+                      [this](FolderListener::Handlers handlers) {
+                          filesChange = std::move(handlers.changed);
+                          freshness = std::move(handlers.freshness);
                           return std::make_unique<Changes>(*this);
                       }},
             settings);
@@ -123,6 +124,7 @@ class ModelFixture : public testing::Test {
     FakeOpener opener;
     std::vector<std::string> watched;
     std::function<void()> filesChange;
+    std::function<void(const std::vector<platform::FolderFreshness>&)> freshness;
     AppSettings settings{.dataDirectory = data.path(), .isDataDirectoryGiven = true};
     std::unique_ptr<AppModel> model;
 };

@@ -3,11 +3,15 @@
 #include "tests/support/MountNamespace.h"
 #include "tests/support/TemporaryTree.h"
 
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <unistd.h>
 
 namespace tovi {
 namespace {
@@ -161,6 +165,31 @@ TEST_P(SystemFolderEventsTest, AsksForTimedScansPastItsBudget) {
     EXPECT_THAT(events->freshness().at(0).reason, testing::HasSubstr("100"));
     heardUntil(Kind::lost, "root");
     expectHeard("root/directly");
+}
+
+/// The user's limits of the system, for this process from now on; false where none may be set.
+bool setLimit(const char* name, int number) {
+    std::ofstream file(std::string("/proc/sys/user/") + name);
+    return static_cast<bool>(file << number << std::flush);
+}
+
+TEST_P(SystemFolderEventsTest, NamesTheLimitThatWasMet) {
+    for (int n = 0; n < 100; ++n)
+        tree.makeDirectory("root/" + std::to_string(n));
+    const auto reason = [&] {
+        if (::unshare(CLONE_NEWUSER) != 0 || !setLimit("max_inotify_watches", 50) ||
+            !setLimit("max_fanotify_marks", 50)) {
+            ::_exit(0); // not to be had here
+        }
+        events = make(1000);
+        watch({tree.path("root")});
+        const auto fresh = events->freshness().at(0);
+        std::fputs(fresh.reason.c_str(), stderr);
+        ::_exit(fresh.state == State::periodic ? 1 : 2);
+    };
+    EXPECT_EXIT(
+        reason(), [](int status) { return WEXITSTATUS(status) < 2; },
+        "^$|user.max_inotify_watches is 50");
 }
 
 TEST_P(SystemFolderEventsTest, AsksForAScanAfterAnOverflowAndGoesOn) {
