@@ -33,6 +33,25 @@ ProcessLock Context::lockForWriting() const {
                              "or close it and try again.");
 }
 
+void Context::updateIndex(const std::function<void(IndexStore&)>& follow) const {
+    try {
+        const auto lock = ProcessLock::tryTake(dataDirectory + "/library.lock");
+        if (lock && hasIndex()) follow(*openIndexForWriting());
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+std::vector<std::string> Context::connectedFolders() const {
+    std::vector<std::string> roots;
+    for (const FolderGrant& root : readPreferences().roots)
+        roots.push_back(root.path);
+    if (!hasIndex()) return roots;
+    for (std::string& root : openIndexForReading()->roots())
+        roots.push_back(std::move(root));
+    return roots;
+}
+
 std::string Context::preferencesPath() const {
     std::error_code missing;
     return std::filesystem::weakly_canonical(dataDirectory, missing).string() + "/preferences.json";

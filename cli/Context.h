@@ -5,9 +5,11 @@
 #include "core/records/FileRecord.h"
 #include "core/store/IndexStore.h"
 
+#include <functional>
 #include <memory>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -42,6 +44,13 @@ struct Context {
     /// To be held by a command that writes the index or the settings. Throws a sentence where
     /// another process holds it.
     ProcessLock lockForWriting() const;
+
+    /// Calls `follow(store)` to bring the index in line with files that were moved, unless Tovi
+    /// runs and notices by itself. Where that fails, the next scan does it.
+    void updateIndex(const std::function<void(IndexStore&)>& follow) const;
+
+    /// The folders of the settings, then those with files in the index; some may be in both.
+    std::vector<std::string> connectedFolders() const;
 
     bool hasIndex() const;
     Preferences readPreferences() const;

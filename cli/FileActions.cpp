@@ -1,5 +1,6 @@
 #include "cli/FileActions.h"
 
+#include "app/model/FollowInIndex.h"
 #include "base/Text.h"
 #include "cli/Format.h"
 #include "cli/Receipts.h"
@@ -38,15 +39,17 @@ void printPlan(const ActionPlan& plan) {
 
 FileActions::FileActions(const Context& context)
     : trash_(platform::dataHome(), Date::now),
-      roots_(context.openIndexForReading()->roots()),
+      roots_(context.connectedFolders()),
       service_(context.dataDirectory + "/actions.json",
                {trash_, move_, bookmarks_, availability_, Date::now}) {}
 
 void reviewAndExecute(const ActionPlan& plan, const std::string& confirmation, FileActions& actions,
                       Context& context) {
     const auto execute = [&] {
-        reportExecution(actions.service().execute(plan, plan.id, actions.roots(), context.stop),
-                        "tovictl undo", context);
+        const ActionReceipt receipt =
+            actions.service().execute(plan, plan.id, actions.roots(), context.stop);
+        context.updateIndex([&](IndexStore& store) { followInIndex(receipt, store); });
+        reportExecution(receipt, "tovictl undo", context);
     };
     reviewAndExecute({reviewCode(plan), toJson(plan), [&] { printPlan(plan); }, execute},
                      confirmation, context);

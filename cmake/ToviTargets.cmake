@@ -13,7 +13,9 @@ endif()
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+    # Precompiled headers carry the time at which they were made.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
 endif()
 
 add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
@@ -76,12 +78,17 @@ function(tovi_plain_executable name)
     endif()
 endfunction()
 
+# Precompiled headers serve only programs compiled with the same flags.
+set(test_flags -fPIC -pthread)
+
 # tovi_test(NAME SOURCES file… USES target…): one GoogleTest program; every case is a CTest test.
 function(tovi_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${ARG_USES} GTest::gmock GTest::gtest_main)
+    target_compile_options(${name} PRIVATE ${test_flags})
+    target_precompile_headers(${name} REUSE_FROM tovi_test_headers)
     target_compile_definitions(${name} PRIVATE TOVI_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
 endfunction()
@@ -92,5 +99,7 @@ function(tovi_qt_test name)
     add_executable(${name} ${ARG_SOURCES} ${CMAKE_SOURCE_DIR}/tests/support/QtTestMain.cpp)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${ARG_USES} GTest::gmock GTest::gtest Qt6::Test)
+    target_compile_options(${name} PRIVATE ${test_flags})
+    target_precompile_headers(${name} REUSE_FROM tovi_test_headers)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
 endfunction()

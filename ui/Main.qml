@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import Tovi
 import Tovi.Models
@@ -32,10 +31,11 @@ ApplicationWindow {
         text: section.text, symbol: section.symbol, run: () => show(section.id)
     })).concat([
         { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
+        { text: qsTr("Quick search"), symbol: "magnifyingglass", run: () => QuickPanel.present() },
         { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
         { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
           symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
-        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.open() }
+        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.get().open() }
     ])
     property var visited: []
 
@@ -95,10 +95,9 @@ ApplicationWindow {
     Binding { target: Theme; property: "choice"; value: App.settings.themeChoice }
     Binding { target: Format; property: "home"; value: window.homeDirectory }
     Binding { target: Theme; property: "appearance"; value: App.settings.appearance }
-
-    Component.onCompleted: {
-        App.prepare()
-    }
+    Binding { target: Theme; property: "isSystemDark"; value: SystemAppearance.isDark; when: SystemAppearance.knowsScheme }
+    Binding { target: Theme; property: "highContrast"; value: Desktop.moreContrast || SystemAppearance.hasHighContrast }
+    Binding { target: Theme; property: "reducedMotion"; value: Desktop.lessMotion || SystemAppearance.hasReducedMotion }
 
     RowLayout {
         anchors.fill: parent
@@ -254,31 +253,29 @@ ApplicationWindow {
         }
     }
 
-    FolderDialog {
+    OnDemand {
         id: folderDialog
-        objectName: "folder-dialog"
-        onAccepted: FolderDialogs.finish(selectedFolder)
-        onRejected: FolderDialogs.finish("")
+        source: "sheets/FolderPicker.qml"
     }
     Connections {
         target: FolderDialogs
         function onRequested(title, message, button, directory) {
-            folderDialog.title = title + " — " + message
-            folderDialog.acceptLabel = button
-            if (directory.toString())
-                folderDialog.currentFolder = directory
-            folderDialog.open()
+            folderDialog.get().ask(title + " — " + message, button, directory)
         }
     }
 
     onActiveFocusItemChanged: follow(activeFocusItem)
     onClosing: Vault.windowClosed()
 
-    PlanSheet {}
-    ShortcutsSheet { id: shortcuts }
-    VaultPanels {}
-    CleanupSheet {}
-    CommandPalette { commands: window.commands }
+    OnDemand { source: "sheets/PlanSheet.qml"; isWanted: App.plans.proposedPlan.id !== undefined }
+    OnDemand { source: "sheets/CleanupSheet.qml"; isWanted: Cleanup.proposedPlan.id !== undefined }
+    OnDemand { source: "sheets/VaultPanels.qml"; isWanted: window.current.id === "vault" }
+    OnDemand { id: shortcuts; source: "sheets/ShortcutsSheet.qml" }
+    OnDemand {
+        source: "sheets/CommandPalette.qml"
+        isWanted: App.showCommandPalette
+        onLoaded: item.commands = Qt.binding(() => window.commands)
+    }
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
     Shortcut {
@@ -290,7 +287,7 @@ ApplicationWindow {
     }
     Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
     Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
-    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.open() }
+    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.get().open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }
@@ -303,5 +300,6 @@ ApplicationWindow {
                 rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
         }
     }
-    Shortcut { sequences: [StandardKey.Quit]; onActivated: window.close() }
+    Shortcut { sequence: "Ctrl+W"; onActivated: window.close() }
+    Shortcut { sequences: [StandardKey.Quit]; onActivated: Qt.quit() }
 }

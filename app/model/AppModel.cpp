@@ -424,11 +424,17 @@ void AppModel::proposeDuplicateTrash(const QStringList& trash, const QStringList
 }
 
 bool AppModel::open(const QString& path) {
-    return system_.opener.open(fromQt(path));
+    return system_.opener.open(fromQt(path)) || tellMissing(path);
 }
 
 bool AppModel::reveal(const QString& path) {
-    return system_.opener.reveal(fromQt(path));
+    return system_.opener.reveal(fromQt(path)) || tellMissing(path);
+}
+
+bool AppModel::tellMissing(const QString& path) {
+    notices_.setError("“" + fromQt(path.section(QLatin1Char('/'), -1)) +
+                      "” could not be opened. It may have been moved.");
+    return false;
 }
 
 void AppModel::persistPreferences() {

@@ -114,6 +114,7 @@ class AppModel : public QObject {
     Q_INVOKABLE void planAgent(const QString& instruction);
     /// Of files that `findDuplicates` found; `keep` stay.
     Q_INVOKABLE void proposeDuplicateTrash(const QStringList& trash, const QStringList& keep);
+    /// Whether a program was asked; else the error message says so.
     Q_INVOKABLE bool open(const QString& path);
     Q_INVOKABLE bool reveal(const QString& path);
 
@@ -135,6 +136,7 @@ class AppModel : public QObject {
 
   private:
     struct Opened;
+    bool tellMissing(const QString& path);
     static Opened openDataDirectory(const std::string& directory, const FileActionSystem& actions,
                                     Date now);
     void finishOpening(Opened opened);

@@ -1,6 +1,7 @@
 #include "app/model/PlansModel.h"
 
 #include "app/lists/QtConversions.h"
+#include "app/model/FollowInIndex.h"
 #include "app/model/PlanInstruction.h"
 #include "base/Text.h"
 #include "core/files/AuthorizedFolders.h"
@@ -51,27 +52,6 @@ std::vector<std::string> fromQt(const QStringList& texts) {
     for (const QString& text : texts)
         list.push_back(tovi::fromQt(text));
     return list;
-}
-
-/// Lets the index follow what was done, so that no moved file is found at its old place until the
-/// next scan. What fails here the scan puts right.
-void followInIndex(const ActionReceipt& receipt, IndexStore& store) {
-    try {
-        std::vector<std::string> gone;
-        for (const ActionEntry& entry : receipt.entries) {
-            gone.push_back(entry.originalPath);
-            if (entry.operation != FileOperation::rename) continue;
-            auto record = store.record(entry.originalPath);
-            if (!record) continue;
-            record->path = entry.currentPath;
-            record->name = lastPathComponent(entry.currentPath);
-            record->kind = classify(record->name, false);
-            store.upsert(*record);
-        }
-        store.remove(gone);
-    } catch (const std::exception&) {
-        return;
-    }
 }
 
 } // namespace

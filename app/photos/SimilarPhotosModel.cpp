@@ -39,7 +39,17 @@ SimilarPhotosModel::SimilarPhotosModel(Executor& executor, Scanner scanner)
            {"count", [](const auto& group) { return static_cast<int>(group.files.size()); }},
            {"potentialBytes",
             [](const auto& group) { return QVariant::fromValue<qint64>(group.potentialBytes()); }},
-           {"keeper", [](const auto& group) { return static_cast<int>(group.keeper()); }}}) {}
+           {"keeper",
+            [](const auto& group) {
+                return group.keeper() ? static_cast<int>(*group.keeper()) : -1;
+            }},
+           {"warning", [](const auto& group) {
+                return group.looksLikeText()
+                           ? QStringLiteral(
+                                 "These look like pages of text, which "
+                                 "may say different things: compare them before you decide.")
+                           : QString();
+            }}}) {}
 
 QString SimilarPhotosModel::notice() const {
     if (!report_ || isScanning_) return {};

@@ -33,7 +33,8 @@ class SimilarPhotosModel : public QObject {
 
     /// Roles: id, files (list of the values of a file with
     /// its width and height in pixels), count, potentialBytes, keeper (the index
-    /// in files of the photo that deserves to stay).
+    /// in files of the photo that deserves to stay, -1 if none does more than the others), warning
+    /// (a sentence to show with the group; may be empty).
     RowListModel* groups() { return &groups_; }
     /// The last finished check.
     const std::optional<SimilarPhotoReport>& report() const { return report_; }

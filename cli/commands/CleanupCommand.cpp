@@ -1,5 +1,6 @@
 #include "app/cleanup/CleanupSearch.h"
 #include "app/model/FolderAccess.h"
+#include "app/model/FollowInIndex.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
 #include "cli/Confirmation.h"
@@ -205,8 +206,12 @@ void trash(const CleanupArguments& arguments, Context& context) {
     CleanupTrashService service = cleanup.makeService(context);
     const CleanupPlan plan = service.prepare(selected, cleanup.roots(), context.stop);
     const auto execute = [&] {
-        reportExecution(service.execute(plan, plan.id, cleanup.roots(), context.stop),
-                        "tovictl cleanup undo", context);
+        const auto receipt = service.execute(plan, plan.id, cleanup.roots(), context.stop);
+        std::vector<std::string> trashed;
+        for (const auto& entry : receipt.entries)
+            trashed.push_back(entry.originalPath);
+        context.updateIndex([&](IndexStore& store) { followInIndex(trashed, store); });
+        reportExecution(receipt, "tovictl cleanup undo", context);
     };
     reviewAndExecute({reviewCode(plan), toJson(plan), [&] { printPlan(plan); }, execute},
                      arguments.confirmation, context);

@@ -9,7 +9,7 @@
 namespace tovi::cli {
 namespace {
 
-void list(const Context& context) {
+void listFolders(const Context& context) {
     const Preferences preferences = context.readPreferences();
     std::map<std::string, std::int64_t> files;
     if (context.hasIndex()) files = context.openIndexForReading()->summary().filesByRoot;
@@ -43,7 +43,7 @@ void add(const std::vector<std::string>& folders, Context& context) {
         fmt::print(stderr, "{}\n", model.connectionMessage().toStdString());
         context.exitCode = isConnected ? ExitCode::needsAttention : ExitCode::failed;
     }
-    if (context.json) return list(context);
+    if (context.json) return listFolders(context);
     if (isConnected) fmt::print("Connected. To read what is new: tovictl index\n");
 }
 
@@ -53,7 +53,7 @@ void addFoldersCommand(CLI::App& app, Context& context) {
     CLI::App* command = app.add_subcommand("folders", "Connect and disconnect folders");
     command->require_subcommand(1);
     command->add_subcommand("list", "Print the connected folders")->callback([&context] {
-        list(context);
+        listFolders(context);
     });
     const auto folders = std::make_shared<std::vector<std::string>>();
     CLI::App* addition = command->add_subcommand("add", "Connect folders without reading them yet");

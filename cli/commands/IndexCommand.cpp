@@ -29,16 +29,6 @@ struct IndexArguments {
 
 constexpr std::size_t errorsShown = 20;
 
-std::vector<std::string> rootsIn(const Context& context) {
-    std::vector<std::string> roots;
-    for (const FolderGrant& root : context.readPreferences().roots)
-        roots.push_back(root.path);
-    if (!context.hasIndex()) return roots;
-    for (std::string& root : context.openIndexForReading()->roots())
-        roots.push_back(std::move(root));
-    return roots;
-}
-
 /// The folders to scan: those named, else those connected; a rebuilt index gets both. All are
 /// checked before the first is scanned or the index is moved.
 std::vector<std::string> chooseRoots(const IndexArguments& arguments, const Context& context,
@@ -49,7 +39,7 @@ std::vector<std::string> chooseRoots(const IndexArguments& arguments, const Cont
     }
     if (roots.empty() || arguments.rebuild) {
         try {
-            for (std::string& root : rootsIn(context))
+            for (std::string& root : context.connectedFolders())
                 roots.push_back(std::move(root));
         } catch (const IntelligenceError&) {
             if (roots.empty()) throw; // a damaged index cannot say which folders it held

@@ -75,8 +75,10 @@ Json toJson(const SimilarPhotoGroup& group) {
         file["sharpness"] = group.traits[at].sharpness;
         files.push_back(std::move(file));
     }
+    const auto keeper = group.keeper();
     return {{"files", std::move(files)},
-            {"keep", group.files[group.keeper()].path},
+            {"keep", keeper ? Json(group.files[*keeper].path) : Json(nullptr)},
+            {"looksLikeText", group.looksLikeText()},
             {"potentialBytes", group.potentialBytes()}};
 }
 
@@ -99,6 +101,9 @@ void print(const SimilarPhotoReport& report) {
         fmt::print("{}, perhaps {} to free\n",
                    bold(formatCount(static_cast<std::int64_t>(group.files.size()), "photo")),
                    formatSize(group.potentialBytes()));
+        if (group.looksLikeText())
+            fmt::print("  These look like pages of text, which may say different things: compare "
+                       "them before you decide.\n");
         for (std::size_t at = 0; at < group.files.size(); ++at) {
             const PhotoTraits& traits = group.traits[at];
             fmt::print("  {}  {:>9}  {:>11}  {}\n", at == group.keeper() ? "keep" : "    ",
@@ -120,12 +125,20 @@ void print(const SimilarPhotoReport& report) {
 void trashAllButKept(const SimilarPhotoReport& report, const std::string& confirmation,
                      Context& context) {
     CopiesToTrash copies;
+    std::int64_t pages = 0;
     for (const SimilarPhotoGroup& group : report.groups) {
+        const auto keeper = group.keeper();
+        if (!keeper) ++pages;
         for (std::size_t at = 0; at < group.files.size(); ++at) {
-            if (at != group.keeper()) copies.add(group.files[at]);
+            if (keeper && at != *keeper) copies.add(group.files[at]);
         }
     }
     if (!context.json && !report.groups.empty()) print(report);
+    if (pages > 0)
+        fmt::print(stderr,
+                   "{} of pages of text stay whole; move what you do not need with: "
+                   "tovictl trash FILE...\n",
+                   formatCount(pages, "group"));
     copies.review("photo", confirmation, context);
 }
 

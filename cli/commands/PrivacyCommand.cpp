@@ -12,7 +12,9 @@ namespace {
 
 constexpr const char* withoutLandlock =
     "This kernel has no Landlock. The system-call filter alone keeps decoders from opening\n"
-    "files, and PDFs in Chinese, Japanese or Korean that bring no font tables are read less well.";
+    "files. PDFs in Chinese, Japanese or Korean that bring no font tables are then read less "
+    "well,\n"
+    "and previews lack the letters of fonts that a PDF leaves out.";
 
 /// tovi, which is installed beside this program.
 std::string windowPath() {

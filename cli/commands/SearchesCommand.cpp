@@ -10,7 +10,7 @@
 namespace tovi::cli {
 namespace {
 
-void list(const Context& context) {
+void listSearches(const Context& context) {
     const std::vector<SavedSearch> searches = context.readPreferences().searches;
     if (context.json) {
         Json saved = Json::array();
@@ -31,7 +31,7 @@ void save(const std::string& name, const std::string& phrase, const Context& con
                                                                    QString::fromStdString(phrase));
     if (id.isEmpty()) throw std::runtime_error("A saved search needs a phrase.");
     session.finish();
-    list(context);
+    listSearches(context);
 }
 
 void remove(const std::string& name, const Context& context) {
@@ -46,7 +46,7 @@ void remove(const std::string& name, const Context& context) {
     }
     model.removeSearch(QString::fromStdString(found->id.string()));
     session.finish();
-    list(context);
+    listSearches(context);
 }
 
 } // namespace
@@ -55,7 +55,7 @@ void addSearchesCommand(CLI::App& app, Context& context) {
     CLI::App* command = app.add_subcommand("searches", "Keep phrases under a name");
     command->require_subcommand(1);
     command->add_subcommand("list", "Print the saved searches")->callback([&context] {
-        list(context);
+        listSearches(context);
     });
     const auto name = std::make_shared<std::string>();
     const auto phrase = std::make_shared<std::string>();

@@ -17,7 +17,7 @@ struct SpaceArguments {
     std::vector<std::string> paths;
 };
 
-void list(const Context& context) {
+void listSpaces(const Context& context) {
     const std::vector<ProjectSpace> spaces = context.readPreferences().spaces;
     if (context.json) {
         Json projects = Json::array();
@@ -60,7 +60,7 @@ void change(const Context& context, Change change) {
     ModelSession session(context);
     change(*session.model().spaces());
     session.finish();
-    list(context);
+    listSpaces(context);
 }
 
 } // namespace
@@ -69,7 +69,9 @@ void addSpacesCommand(CLI::App& app, Context& context) {
     CLI::App* command =
         app.add_subcommand("spaces", "Group files into projects; the files stay where they are");
     command->require_subcommand(1);
-    command->add_subcommand("list", "Print the projects")->callback([&context] { list(context); });
+    command->add_subcommand("list", "Print the projects")->callback([&context] {
+        listSpaces(context);
+    });
 
     const auto arguments = std::make_shared<SpaceArguments>();
     const auto addSubcommand = [&](const char* name, const char* description, auto work) {

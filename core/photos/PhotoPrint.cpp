@@ -1,5 +1,7 @@
 #include "core/photos/PhotoPrint.h"
 
+#include "core/photos/TextLikeness.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -392,6 +394,7 @@ PhotoPrint makePhotoPrint(const DecodedPicture& picture) {
     print.width = picture.fullWidth;
     print.height = picture.fullHeight;
     print.sharpness = sharpnessOf(picture);
+    print.looksLikeText = looksLikeText(picture);
     return print;
 }
 

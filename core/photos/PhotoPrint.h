@@ -32,6 +32,8 @@ struct PhotoPrint {
     /// The mean square of the Laplacian over the variance, which blur makes smaller and contrast
     /// leaves alone. Comparable between look-alikes only.
     double sharpness = 0;
+    /// The point then says little of what is shown (`core/photos/TextLikeness.h`).
+    bool looksLikeText = false;
 };
 
 /// `picture` has at least one pixel.

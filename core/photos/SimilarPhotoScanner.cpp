@@ -143,7 +143,12 @@ std::int64_t SimilarPhotoGroup::potentialBytes() const {
     return sum - largest;
 }
 
-std::size_t SimilarPhotoGroup::keeper() const {
+bool SimilarPhotoGroup::looksLikeText() const {
+    return 2 * std::ranges::count_if(traits, &PhotoTraits::looksLikeText) >= std::ssize(traits);
+}
+
+std::optional<std::size_t> SimilarPhotoGroup::keeper() const {
+    if (looksLikeText()) return std::nullopt;
     const auto worth = [&](std::size_t at) {
         const PhotoTraits& of = traits[at];
         return std::tuple(std::int64_t{of.width} * of.height, of.sharpness,
@@ -264,7 +269,8 @@ SimilarPhotoReport SimilarPhotoScanner::scan(std::span<const FileRecord> files,
         for (const std::size_t member : members) {
             const PhotoPrint& print = prints[member].print;
             group.files.push_back(*prints[member].file);
-            group.traits.push_back({print.width, print.height, print.sharpness});
+            group.traits.push_back(
+                {print.width, print.height, print.sharpness, print.looksLikeText});
         }
     }
     return report;

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <stop_token>
 #include <string>
@@ -32,6 +33,7 @@ struct PhotoTraits {
     int width = 0; // pixels, upright
     int height = 0;
     double sharpness = 0; // comparable within the group
+    bool looksLikeText = false;
 };
 
 /// Photos of which each looks like another one of the group, newest first; at least two.
@@ -43,9 +45,12 @@ struct SimilarPhotoGroup {
     std::string id() const;
     /// What keeping the largest file only could free; no promise.
     std::int64_t potentialBytes() const;
+    /// Whether half of them or more look like pages of text, which are taken for alike when their
+    /// lines are, whatever they say.
+    bool looksLikeText() const;
     /// The file that deserves to stay: the one with the most pixels, then the sharpest, then the
-    /// oldest.
-    std::size_t keeper() const;
+    /// oldest. Nothing for pages of text, each of which may be the only one of its kind.
+    std::optional<std::size_t> keeper() const;
 };
 
 struct SimilarPhotoReport {

@@ -154,9 +154,12 @@ TextMatches findTextMatches(Database& database, const WordJudge& judge, std::str
     return matches;
 }
 
-bool Look::isWorthwhile(const WordJudge& judge) {
-    constexpr std::size_t shortWord = 2; // bytes
-    return !judge.words().empty() && judge.words().front().size() <= shortWord;
+std::int64_t Look::patience(const WordJudge& judge, std::int64_t limit) {
+    constexpr std::size_t shortWord = 2;   // bytes
+    constexpr std::int64_t smallPage = 50; // files
+    if (judge.words().empty()) return 0;
+    if (judge.words().front().size() <= shortWord) return 4'000'000;
+    return limit <= smallPage ? 500'000 : 0;
 }
 
 bool hasNamesIndex(Database& database) {

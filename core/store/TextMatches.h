@@ -51,12 +51,14 @@ TextMatches findTextMatches(Database& database, const WordJudge& judge, std::str
 
 /// Looking at the files themselves, newest first, until `remaining` bytes of name and text are used
 /// up. Where a word is so short that a good part of all files holds it, a page is full long before
-/// the index has joined the lists of all words that begin with it.
+/// the index has joined the lists of all words that begin with it; and a glance that costs little
+/// often finds the few files of a small page.
 struct Look {
     const WordJudge& judge;
-    std::int64_t remaining = 4'000'000;
+    std::int64_t remaining;
 
-    static bool isWorthwhile(const WordJudge& judge);
+    /// How many bytes are worth looking at for a page of so many files; 0 for none.
+    static std::int64_t patience(const WordJudge& judge, std::int64_t limit);
     bool isExhausted() const { return remaining < 0; }
 };
 

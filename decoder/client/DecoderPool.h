@@ -57,7 +57,7 @@ class DecoderPool final : public PdfReader, public PictureTextReader, public Pic
                                  const std::stop_token& stop) override;
 
     /// The first page of a PDF on white, drawn so that its longer side has `side` pixels, 2048 at
-    /// most. Letters of fonts that the document does not bring along are left out. Throws
+    /// most. Fonts that the document does not bring along are replaced by the machine's. Throws
     /// `IntelligenceError` for what is not a PDF.
     DecodedPicture drawPdfPage(const FileDescriptor& file, int side, const std::stop_token& stop);
 

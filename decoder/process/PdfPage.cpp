@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include <poppler/cpp/poppler-document.h>
@@ -18,6 +19,18 @@ namespace {
 constexpr double pointsPerInch = 72;
 
 } // namespace
+
+void preparePdfPages() {
+    // Drawing a letter of a font that is not in the document makes fontconfig read what it needs.
+    static constexpr std::string_view letter =
+        "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
+        "2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n"
+        "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]/Contents 4 0 R"
+        "/Resources<</Font<</F<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>>>>>>>endobj\n"
+        "4 0 obj<</Length 18>>stream\nBT/F 9 Tf(x)Tj ET\n\nendstream endobj\n"
+        "trailer<</Root 1 0 R>>\n";
+    drawFirstPage(std::as_bytes(std::span(letter)), 9);
+}
 
 Picture drawFirstPage(std::span<const std::byte> bytes, int side) {
     const std::unique_ptr<poppler::document> document(poppler::document::load_from_raw_data(

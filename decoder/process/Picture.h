@@ -23,7 +23,7 @@ void preparePictures();
 /// Reads JPEG, PNG, WebP, HEIC, AVIF, TIFF, GIF (its first frame) and BMP, turned upright, in
 /// sRGB on white, scaled down so that no side is longer than `maximumSide` pixels. Throws
 /// `WrongFormat` for other formats and `std::exception` for what is damaged or above 100 million
-/// pixels.
+/// pixels. Of a damaged picture in grey whatever can be read is given.
 Picture loadPicture(std::span<const std::byte> bytes, int maximumSide, Colours colours);
 
 } // namespace tovi::decoder

@@ -26,7 +26,9 @@ using Bytes = std::vector<std::byte>;
 
 /// The whole file, into memory: a mapping would end the process when the file shrinks.
 Bytes readAll(const FileDescriptor& file) {
-    Bytes bytes(std::size_t{1024} * 1024);
+    const off_t end = ::lseek(file.get(), 0, SEEK_END);
+    const auto expected = static_cast<std::size_t>(std::max<off_t>(end, 0));
+    Bytes bytes(std::min(expected, maximumFileBytes) + 1); // one more tells that the file grew
     std::size_t size = 0;
     while (true) {
         const ssize_t count =
@@ -106,14 +108,26 @@ Reply answer(const Request& request, FileDescriptor file, int socket, std::span<
 void prepare(Task task) {
     switch (task) {
     case Task::pdfText:
-    case Task::pdfPixels:
         return preparePdfText();
+    case Task::pdfPixels:
+        preparePdfText();
+        return preparePdfPages();
     case Task::pictureText:
         preparePictures();
         return preparePictureText();
     case Task::picturePixels:
         return preparePictures();
     }
+}
+
+std::vector<std::string> readableFolders(Task task) {
+    // The tables for Chinese, Japanese and Korean fonts that a document does not bring along, and
+    // the fonts themselves.
+    const std::string tables = "/usr/share/poppler";
+    if (task == Task::pdfText) return {tables};
+    if (task == Task::pdfPixels)
+        return {tables, "/usr/share/fonts", "/usr/local/share/fonts", "/usr/share/texmf/fonts"};
+    return {};
 }
 
 void serve(Task task, int socket, std::span<std::byte> result) {

@@ -24,9 +24,7 @@ int main(int argc, char** argv) {
 
         prepare(*task);
         tovi::platform::DecoderSandbox sandbox;
-        // The tables for Chinese, Japanese and Korean fonts that a document does not bring along.
-        if (*task == Task::pdfText || *task == Task::pdfPixels)
-            sandbox.readableFolders = {"/usr/share/poppler"};
+        sandbox.readableFolders = readableFolders(*task);
         const int landlock = tovi::platform::enterDecoderSandbox(sandbox);
         if (!sendPacket(socketDescriptor, encode(Ready{static_cast<std::uint32_t>(landlock)})))
             return 0;

@@ -137,6 +137,7 @@ void enterDecoderFilter(bool mayOpenForReading) {
         constexpr std::uint64_t anythingElse = 0xffffffffu & ~std::uint64_t{O_CLOEXEC};
         filter.add(SCMP_ACT_ALLOW, SCMP_SYS(openat),
                    {where(2, SCMP_CMP_MASKED_EQ, anythingElse, O_RDONLY)});
+        filter.allow({SCMP_SYS(fstat)});
     }
     filter.load();
 }

@@ -82,6 +82,8 @@ TEST_F(CleanupCommandTest, ScansMovesListsAndTakesBack) {
     EXPECT_EQ(json({"cleanup", "scan", tree.path()}, 0)["candidates"].size(), 3U);
     fs::remove(tree.path("other/setup.dmg"));
     ASSERT_EQ(run({"folders", "add", tree.path()}).exitCode, 0);
+    ASSERT_EQ(run({"index", tree.path()}).exitCode, 0);
+    EXPECT_EQ(json({"search", "setup"}, 0)["files"].size(), 1U);
     const Json report = json({"cleanup", "scan"}, 0);
     ASSERT_EQ(report["candidates"].size(), 2U);
     EXPECT_EQ(report["candidates"][0]["category"], "cachesAndLogs");
@@ -99,6 +101,7 @@ TEST_F(CleanupCommandTest, ScansMovesListsAndTakesBack) {
     trash.insert(trash.end(), {"--confirm", code});
     const Json receipt = json(trash, 0)["receipt"];
     EXPECT_FALSE(fs::exists(tree.path("setup.dmg")));
+    EXPECT_TRUE(json({"search", "setup"}, 0)["files"].empty());
     EXPECT_EQ(json({"cleanup", "history"}, 0)["receipts"][0], receipt);
     EXPECT_EQ(json({"cleanup", "undo", receipt["id"]}, 0)["receipt"]["undone"], true);
     EXPECT_EQ(test::readFile(tree.path(".cache/program/old")), "12345");

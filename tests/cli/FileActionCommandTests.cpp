@@ -62,6 +62,7 @@ TEST_F(FileActionCommandTest, ChangesNothingBeforeThePlanIsConfirmed) {
 
     const Json receipt = doIt({"trash", tree.path("a.txt"), tree.path("b.txt")});
     EXPECT_TRUE(fs::is_empty(tree.path()));
+    EXPECT_TRUE(json({"search", "txt"}, 0)["files"].empty());
     EXPECT_EQ(json({"history"}, 0)["receipts"][0], receipt);
     EXPECT_EQ(json({"undo", receipt["id"]}, 0)["receipt"]["undone"], true);
     EXPECT_EQ(readFile(tree.path("b.txt")), "changed");
@@ -70,6 +71,14 @@ TEST_F(FileActionCommandTest, ChangesNothingBeforeThePlanIsConfirmed) {
 
     doIt({"rename", tree.path("a.txt"), "c.txt"});
     EXPECT_EQ(readFile(tree.path("c.txt")), "1");
+    EXPECT_TRUE(json({"search", "txt"}, 0)["files"].empty())
+        << "what was restored waits for a scan";
+    index();
+    doIt({"rename", tree.path("c.txt"), "d.txt"});
+    const Json found = json({"search", "txt"}, 0)["files"];
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[0]["path"].get<std::string>() + found[1]["path"].get<std::string>(),
+              tree.path("b.txt") + tree.path("d.txt"));
     const ProgramResult outside = run({"trash", data.path("library/index.sqlite")});
     EXPECT_EQ(outside.exitCode, 1);
     EXPECT_THAT(outside.errors, HasSubstr("Only files inside currently authorized folders"));
@@ -115,26 +124,34 @@ TEST_F(FileActionCommandTest, MovesAllButTheBestOfLookAlikePhotos) {
     tree.write("photos/screenshot.png", readFile(fixtures + "screenshot.png"));
     tree.write("elsewhere/newer.png", scan);
     tree.write("photos/words.jpg", "words");
-    tree.setModified("photos/older.png", 1000);
+    tree.write("photos/paper.jpg", readFile(fixtures + "user-password.pdf"));
+    const std::string halves = readFile(fixtures + "lying-thumbnail.heic");
+    for (const char* name : {"photos/1.heic", "photos/2.heic", "photos/3.heic"})
+        tree.write(name, halves);
+    tree.setModified("photos/2.heic", 1000);
+    tree.setModified("photos/older.png", 1);
     index();
-    const Json report = json({"photos"}, 3); // one of them cannot be read
-    EXPECT_EQ(report["considered"], 5);
-    EXPECT_EQ(report["skipped"], 1);
-    ASSERT_EQ(report["groups"].size(), 1U);
-    EXPECT_EQ(report["groups"][0]["files"].size(), 3U);
-    EXPECT_EQ(report["groups"][0]["files"][0]["width"], 1240);
+    const Json report = json({"photos"}, 3); // two of them cannot be read
+    EXPECT_EQ(report["considered"], 9);
+    EXPECT_EQ(report["skipped"], 2);
+    ASSERT_EQ(report["groups"].size(), 2U);
+    const Json& photos = report["groups"][0];
+    EXPECT_EQ(photos["keep"], tree.path("photos/2.heic"));
+    EXPECT_FALSE(photos["looksLikeText"]);
+    const Json& pages = report["groups"][1];
+    EXPECT_EQ(pages["files"].size(), 3U);
+    EXPECT_EQ(pages["files"][0]["width"], 1240);
+    EXPECT_TRUE(pages["looksLikeText"] && pages["keep"].is_null());
 
     fs::remove(tree.path("photos/words.jpg"));
+    fs::remove(tree.path("photos/paper.jpg"));
     index();
-    EXPECT_EQ(json({"photos", tree.path("photos")}, 0)["groups"][0]["files"].size(), 2U);
     const Json receipt = doIt({"photos", "--trash"});
-    EXPECT_EQ(receipt["entries"].size(), 2U);
-    EXPECT_TRUE(fs::exists(report["groups"][0]["keep"].get<std::string>()));
-    EXPECT_TRUE(fs::exists(tree.path("photos/screenshot.png")));
-    index();
-    EXPECT_TRUE(json({"photos"}, 0)["groups"].empty());
+    EXPECT_EQ(receipt["entries"].size(), 2U) << "no page of text is proposed";
+    EXPECT_EQ(json({"photos", tree.path("photos")}, 0)["groups"].size(), 1U)
+        << "the index knows what was moved";
     EXPECT_EQ(run({"undo", receipt["id"].get<std::string>()}).exitCode, 0);
-    EXPECT_EQ(readFile(tree.path("photos/older.png")), scan);
+    EXPECT_EQ(readFile(tree.path("photos/3.heic")), halves);
     EXPECT_EQ(run({"photos", data.path()}).exitCode, 1);
 
     const std::string thumbnail = data.path("thumbnail.png");

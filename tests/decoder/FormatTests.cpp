@@ -24,6 +24,8 @@ extern "C" const char* __lsan_default_suppressions() {
 namespace tovi::decoder {
 namespace {
 
+using testing::AnyOf;
+using testing::Each;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -211,11 +213,18 @@ std::string redAndBlue(const char* suffix) {
     return redAndBlue(suffix, [](VipsImage* image) { return image; });
 }
 
-VipsImage* inSpace(VipsImage* image, VipsInterpretation space) {
+/// What an operation of libvips makes of an image, which it takes over.
+template <typename Operation>
+VipsImage* after(VipsImage* image, const Operation& operation) {
     VipsImage* changed = nullptr;
-    if (vips_colourspace(image, &changed, space, nullptr) != 0) vips_error_exit(nullptr);
+    if (operation(image, &changed) != 0) vips_error_exit(nullptr);
     g_object_unref(image);
     return changed;
+}
+
+VipsImage* inSpace(VipsImage* image, VipsInterpretation space) {
+    return after(
+        image, [space](auto* in, auto** out) { return vips_colourspace(in, out, space, nullptr); });
 }
 
 /// "R", "B" or "?" for the pixel at `x`, `y`.
@@ -257,6 +266,31 @@ TEST_F(PictureTest, ReadsEveryFormatAndColourSpaceAsRgb) {
     EXPECT_EQ(heic.height, 210);
 }
 
+TEST_F(PictureTest, ReadsUnusualPictures) {
+    const std::string clear = redAndBlue(".png[palette]", [](VipsImage* image) {
+        return after(image, [](auto* in, auto** out) {
+            return vips_bandjoin_const1(in, out, 0, nullptr); // all of it transparent
+        });
+    });
+    EXPECT_THAT(load(clear, 64).pixels, Each(std::byte{255})) << "on white";
+    const std::string animated = redAndBlue(".gif", [](VipsImage* image) {
+        VipsImage* both = after(image, [](auto* in, auto** out) {
+            return vips_embed(in, out, 0, 0, 64, 64, nullptr); // a black frame follows
+        });
+        vips_image_set_int(both, "page-height", 32);
+        return both;
+    });
+    EXPECT_EQ(load(animated, 64).fullHeight, 32);
+    for (const char* suffix : {".png", ".jpg", ".tif"}) {
+        const std::string line = redAndBlue(suffix, [](VipsImage* image) {
+            return after(image, [](auto*, auto** out) {
+                return vips_black(out, 1, 60'000, "bands", 3, nullptr);
+            });
+        });
+        EXPECT_EQ(load(line, 768).pixels.size(), 768U * 3) << suffix;
+    }
+}
+
 TEST_F(PictureTest, TurnsUprightAsTheCameraSays) {
     const std::string exif = redAndBlue(".jpg", [](VipsImage* image) {
         vips_image_set_int(image, "orientation", 6);
@@ -272,31 +306,65 @@ TEST_F(PictureTest, TurnsUprightAsTheCameraSays) {
     }
 }
 
-TEST_F(PictureTest, RefusesBombsBeforeDecodingThem) {
-    // Headers only: reading any further would fail with another sentence.
-    std::string png = redAndBlue(".png").substr(0, 33);
-    const std::string side("\x00\x00\xea\x60", 4); // 60,000
-    png.replace(16, 8, side + side);
-    l_uint32 crc = ~0u;
-    for (std::size_t i = 12; i < 29; ++i) {
-        crc ^= static_cast<unsigned char>(png[i]);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1) ^ (0xedb88320u & (0u - (crc & 1)));
+TEST_F(PictureTest, TrustsNoSmallerCopyInTheFile) {
+    const auto mirrored = [](const std::string& bytes) {
+        PixPointer pix = pixOf(bytes);
+        pixFlipLR(pix.get(), pix.get());
+        return pix;
+    };
+    const std::string lie = written(mirrored(redAndBlue(".png")).get(), IFF_JFIF_JPEG);
+    const std::string jpeg = redAndBlue(".jpg", [&](VipsImage* image) {
+        vips_image_set_blob_copy(image, "jpeg-thumbnail-data", lie.data(), lie.size());
+        return image;
+    });
+    ASSERT_THAT(jpeg, HasSubstr(lie));
+    const test::TemporaryTree tree;
+    const std::string tiff = tree.path("levels.tif");
+    const PixPointer level(pixScale(mirrored(redAndBlue(".png")).get(), 0.5, 0.5));
+    pixWriteTiff(tiff.c_str(), pixOf(redAndBlue(".png")).get(), IFF_TIFF, "w");
+    pixWriteTiff(tiff.c_str(), level.get(), IFF_TIFF, "a");
+    for (const std::string& bytes : {jpeg, test::readFile(tiff), fixture("lying-thumbnail.heic")}) {
+        const Picture picture = load(bytes, 16);
+        EXPECT_EQ(colourAt(picture, 2, 4), 'R');
+        EXPECT_EQ(colourAt(picture, 14, 4), 'B');
     }
-    for (std::size_t i = 0; i < 4; ++i)
-        png[29 + i] = static_cast<char>((~crc >> (24 - 8 * i)) & 0xff);
-    png += std::string("\x00\x00\x40\x00IDAT", 8) + std::string(5000, 'x');
+}
 
+TEST_F(PictureTest, RefusesBombsBeforeDecodingThem) {
+    // Headers only: reading any further fails with another sentence.
+    const auto png = [](std::uint32_t width, std::uint32_t height) {
+        std::string bytes = redAndBlue(".png").substr(0, 33);
+        const auto put = [&](std::size_t at, std::uint32_t value) {
+            for (int shift = 24; shift >= 0; shift -= 8)
+                bytes[at++] = static_cast<char>((value >> shift) & 0xff);
+        };
+        put(16, width);
+        put(20, height);
+        std::uint32_t crc = ~0u;
+        for (std::size_t i = 12; i < 29; ++i) {
+            crc ^= static_cast<unsigned char>(bytes[i]);
+            for (int bit = 0; bit < 8; ++bit)
+                crc = (crc >> 1) ^ (0xedb88320u & (0u - (crc & 1)));
+        }
+        put(29, ~crc);
+        return bytes + std::string("\x00\x00\x40\x00IDAT", 8) + std::string(5000, 'x');
+    };
+    const auto failure = [](const std::string& bytes) -> std::string {
+        try {
+            load(bytes, 768);
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return "decoded";
+    };
+    const std::string tooLarge = "The picture has more than 100 million pixels.";
+    EXPECT_EQ(failure(png(17, 5'882'353)), tooLarge) << "by one pixel";
+    EXPECT_THAT(failure(png(10'000, 10'000)), Not(AnyOf(tooLarge, "decoded")));
+    const std::string whole = redAndBlue(".jpg");
+    EXPECT_NE(failure(whole.substr(0, whole.size() - 20)), "decoded") << "it would look alike";
     std::string bmp = written(pixOf(redAndBlue(".png")).get(), IFF_BMP);
     bmp.replace(18, 8, std::string("\x60\xea\x00\x00\x60\xea\x00\x00", 8));
-    for (const std::string& bomb : {png, bmp}) {
-        try {
-            load(bomb, 768);
-            ADD_FAILURE() << "decoded";
-        } catch (const std::exception& error) {
-            EXPECT_STREQ(error.what(), "The picture has more than 100 million pixels.");
-        }
-    }
+    EXPECT_EQ(failure(bmp), tooLarge);
 }
 
 TEST_F(PictureTest, RefusesOtherFormats) {

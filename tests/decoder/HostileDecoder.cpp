@@ -38,6 +38,11 @@ const std::map<std::string, Attempt> attempts = {
          struct stat status;
          return ::stat(path, &status) == 0;
      }},
+    {"look-as-if-open",
+     [](const char* path) {
+         struct stat status;
+         return ::fstatat(AT_FDCWD, path, &status, AT_EMPTY_PATH) == 0;
+     }},
     {"internet", [](const char*) { return ::socket(AF_INET, SOCK_STREAM, 0) >= 0; }},
     {"local-socket", [](const char*) { return ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0; }},
     {"start-program",
@@ -86,7 +91,8 @@ int main(int argc, char** argv) {
     const Attempt attempt = attempts.at(argv[2]);
     tovi::platform::DecoderSandbox sandbox;
     sandbox.useLandlock = confinement != "filter";
-    if (confinement == "folder") sandbox.readableFolders = {"/usr/share/poppler"};
+    if (confinement == "folders")
+        sandbox.readableFolders = {"/usr/share/poppler", "/nonexistent", "/usr/share/fonts"};
     if (confinement != "none") tovi::platform::enterDecoderSandbox(sandbox);
     ::_exit(attempt(argc > 3 ? argv[3] : "") ? 0 : 10);
 }

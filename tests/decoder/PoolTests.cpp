@@ -5,6 +5,7 @@
 #include "tests/decoder/PdfMaker.h"
 #include "tests/support/TemporaryTree.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <filesystem>
@@ -87,6 +88,18 @@ TEST_F(RealDecoder, ReadsPdfsAndPicturesInsideTheSandbox) {
         EXPECT_EQ(picture.width, 300);
         EXPECT_EQ(picture.pixels.size(), static_cast<std::size_t>(300 * picture.height * 3));
     }
+}
+
+TEST_F(RealDecoder, DrawsLettersOfFontsThatThePdfLeavesOut) {
+    DecoderPool pool(options_);
+    const auto ink = [&](const std::string& text) {
+        const std::string path = tree_.write("page.pdf", test::makePdf({text}));
+        const DecodedPicture page = pool.drawPdfPage(opened(path), 792, {});
+        return std::ranges::count_if(
+            page.pixels, [](char value) { return static_cast<unsigned char>(value) < 128; });
+    };
+    EXPECT_EQ(ink("(Hello)") > 100, platform::landlockVersion() > 0);
+    EXPECT_EQ(ink("( )"), 0);
 }
 
 TEST_F(RealDecoder, IsConfined) {
@@ -186,6 +199,15 @@ TEST_F(FakeDecoder, TriesAFileOnceMore) {
         EXPECT_EQ(readPdf(pool, pdf_).text, "fine");
         EXPECT_EQ(starts(behaviour), 2u);
     }
+}
+
+TEST_F(FakeDecoder, IsReplacedByAFreshOneWhenWorn) {
+    DecoderPool pool(behaving("fine"));
+    for (int served = 0; served < 500; ++served)
+        readPdf(pool, pdf_);
+    EXPECT_EQ(starts("fine"), 1U);
+    readPdf(pool, pdf_);
+    EXPECT_EQ(starts("fine"), 2U);
 }
 
 TEST_F(FakeDecoder, LosesPatience) {

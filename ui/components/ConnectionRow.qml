@@ -27,6 +27,7 @@ ItemDelegate {
     Accessible.name: name
     Accessible.description: (depth === 0 ? qsTr("in the middle") : tie) + ", " + place
     Accessible.selected: isCurrent
+    Accessible.onPressAction: clicked()
     ToolTip.text: path
     ToolTip.visible: hovered
     ToolTip.delay: 900

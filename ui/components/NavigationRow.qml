@@ -18,6 +18,7 @@ ItemDelegate {
     Accessible.role: Accessible.ListItem
     Accessible.name: text
     Accessible.selected: isCurrent
+    Accessible.onPressAction: clicked()
 
     contentItem: RowLayout {
         spacing: 10

@@ -54,7 +54,13 @@ Application::Application(const Options& options, FileOpener& opener)
            .secondsSinceBoot = platform::secondsSinceBoot}),
       session_(platform::makeSessionSignals()),
       sessionLock_(*session_, runtime_.executor(), vault_),
-      integration_(runtime_.executor(), model_, opener, engine_) {
+      integration_({.executor = runtime_.executor(),
+                    .model = model_,
+                    .cleanup = cleanup_,
+                    .vault = vault_,
+                    .opener = opener,
+                    .engine = engine_,
+                    .dataDirectory = options.dataDirectory}) {
     if (!options.section.isEmpty()) model_.setSection(options.section);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker_);
@@ -74,6 +80,7 @@ Application::Application(const Options& options, FileOpener& opener)
           QFile::decodeName(QByteArray::fromStdString(options.dataDirectory))},
          {QStringLiteral("homeDirectory"), QDir::homePath()},
          {QStringLiteral("visible"), options.isWindowShown}});
+    model_.prepare(); // reads the index while the screens are loaded
     engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
 }
 

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "platform/Sandbox.h"
 #include "platform/StandardLocations.h"
+#include "ui/desktop/ActivationToken.h"
 #include "ui/desktop/Application.h"
 #include "ui/desktop/DesktopActivation.h"
 
@@ -94,16 +95,19 @@ int runDesktop(int argc, char** argv) {
         CommandLine commandLine;
         commandLine.answer(argumentsOf(argc, argv));
         if (commandLine.isPrivacyCheckWanted()) return checkPrivacy();
+        const QVariantMap platformData = startedPlatformData();
         QGuiApplication application(argc, argv);
         commandLine.read(application);
         QGuiApplication::setDesktopFileName(QStringLiteral("app.ardeno.Tovi"));
         QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/qt/qml/Tovi/icons/tovi.svg")));
+        SystemSearch search(QDBusConnection::sessionBus());
         DesktopActivation activation(QDBusConnection::sessionBus());
         // A data directory of its own is a library of its own, and so an instance of its own.
         if (!commandLine.isDataDirectoryGiven() &&
             activation.start(commandLine.isQuickSearch()
                                  ? QString::fromLatin1(DesktopActivation::quickSearchAction)
-                                 : QString()) == DesktopActivation::Start::HandedOver) {
+                                 : QString(),
+                             platformData) == DesktopActivation::Start::HandedOver) {
             return 0;
         }
         SystemFileOpener opener(launcher);
@@ -115,8 +119,12 @@ int runDesktop(int argc, char** argv) {
              .isWindowShown = !commandLine.isQuickSearch() && !commandLine.isService()},
             opener);
         if (!desktop.window()) return 1;
-        desktop.integration().obey(activation);
-        if (commandLine.isQuickSearch()) desktop.integration().showQuickSearch();
+        QObject::connect(&opener, &SystemFileOpener::failed, desktop.model().notices(),
+                         [&desktop](const QString& sentence) {
+                             desktop.model().notices()->setError(sentence.toStdString());
+                         });
+        desktop.integration().obey(activation, search);
+        if (commandLine.isQuickSearch()) desktop.integration().showQuickSearch({});
         return QCoreApplication::exec();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", printable(error.what()).c_str());

@@ -17,7 +17,8 @@ DesktopActivation::DesktopActivation(QDBusConnection bus) : bus_(std::move(bus))
     new DesktopApplicationAdaptor(*this);
 }
 
-DesktopActivation::Start DesktopActivation::start(const QString& action) {
+DesktopActivation::Start DesktopActivation::start(const QString& action,
+                                                  const QVariantMap& platformData) {
     if (!bus_.isConnected()) return Start::Alone;
     // The object before the name, so that no call finds the name without it.
     bus_.registerObject(objectPath, this);
@@ -27,23 +28,23 @@ DesktopActivation::Start DesktopActivation::start(const QString& action) {
         busName, objectPath, interfaceName,
         action.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("ActivateAction"));
     if (!action.isEmpty()) call << action << QVariantList();
-    call << QVariantMap();
+    call << platformData;
     const QDBusMessage answer = bus_.call(call);
     return answer.type() == QDBusMessage::ReplyMessage ? Start::HandedOver : Start::Alone;
 }
 
-void DesktopApplicationAdaptor::Activate(const QVariantMap&) {
-    Q_EMIT activation_.activated();
+void DesktopApplicationAdaptor::Activate(const QVariantMap& platformData) {
+    Q_EMIT activation_.activated(platformData);
 }
 
-void DesktopApplicationAdaptor::Open(const QStringList&, const QVariantMap&) {
-    Q_EMIT activation_.activated();
+void DesktopApplicationAdaptor::Open(const QStringList&, const QVariantMap& platformData) {
+    Q_EMIT activation_.activated(platformData);
 }
 
 void DesktopApplicationAdaptor::ActivateAction(const QString& name, const QVariantList&,
-                                               const QVariantMap&) {
+                                               const QVariantMap& platformData) {
     if (name == QLatin1String(DesktopActivation::quickSearchAction)) {
-        Q_EMIT activation_.quickSearchRequested();
+        Q_EMIT activation_.quickSearchRequested(platformData);
     }
 }
 

@@ -23,12 +23,12 @@ class DesktopActivation : public QObject {
     explicit DesktopActivation(QDBusConnection bus);
 
     /// To be called once. An instance that runs already shows its window, or does `action` if it
-    /// is not empty.
-    Start start(const QString& action);
+    /// is not empty, with what this process was started with.
+    Start start(const QString& action, const QVariantMap& platformData);
 
   Q_SIGNALS:
-    void activated();
-    void quickSearchRequested();
+    void activated(const QVariantMap& platformData);
+    void quickSearchRequested(const QVariantMap& platformData);
 
   private:
     QDBusConnection bus_;

@@ -1,54 +1,129 @@
 #include "ui/desktop/DesktopIntegration.h"
 
-#include <QCoreApplication>
+#include "ui/desktop/ActivationToken.h"
+
+#include <QGuiApplication>
 #include <QQmlApplicationEngine>
 
 namespace tovi {
 
-DesktopIntegration::DesktopIntegration(Executor& executor, AppModel& model, FileOpener& opener,
-                                       QQmlApplicationEngine& engine)
-    : model_(model),
-      engine_(engine),
-      quickSearch_(executor, *model.search(), opener),
-      panel_(engine, quickSearch_) {
+DesktopIntegration::DesktopIntegration(const Parts& parts)
+    : executor_(parts.executor),
+      model_(parts.model),
+      engine_(parts.engine),
+      settings_(parts.dataDirectory),
+      tray_(QDBusConnection::sessionBus(), parts.engine, parts.executor, parts.model),
+      longWork_(parts.executor, parts.model, parts.cleanup),
+      hotKey_(makeHotKeySource()),
+      quickSearch_(parts.executor, *parts.model.search(), parts.opener),
+      panel_(parts.engine, quickSearch_) {
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Desktop", &settings_);
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "SystemAppearance", &appearance_);
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Tray", &tray_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "QuickSearch", &quickSearch_);
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "QuickPanel", &panel_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "HotKey", &hotKey_);
-    connect(&hotKey_, &GlobalHotKey::pressed, this, &DesktopIntegration::showQuickSearch);
+    connect(&hotKey_, &GlobalHotKey::pressed, this, [this](const QString& token) {
+        showQuickSearch({{QStringLiteral("activation-token"), token}});
+    });
     connect(&hotKey_, &GlobalHotKey::refused, this,
             [this] { model_.notices()->setError(hotKey_.message().toStdString()); });
-    connect(&model, &AppModel::loaded, this, &DesktopIntegration::registerShortcut);
-    connect(model.settings(), &SettingsModel::changed, this, &DesktopIntegration::registerShortcut);
+    connect(&model_, &AppModel::loaded, this, &DesktopIntegration::registerShortcut);
+    connect(model_.settings(), &SettingsModel::changed, this,
+            &DesktopIntegration::registerShortcut);
     // Started for the panel alone, the program ends with it.
     connect(&panel_, &QuickSearchPanelController::dismissed, this, [this] {
-        if (!window()->isVisible()) QCoreApplication::quit();
+        if (!window()->isVisible() && !livesInTray()) QCoreApplication::quit();
     });
+    connect(&settings_, &DesktopSettings::failed, this, [this](const QString& sentence) {
+        model_.notices()->setError(sentence.toStdString());
+    });
+    connect(&settings_, &DesktopSettings::changed, this, &DesktopIntegration::followTray);
+    connect(&tray_, &Tray::shownChanged, this, &DesktopIntegration::followTray);
+    connect(qGuiApp, &QGuiApplication::lastWindowClosed, this,
+            [this] { runAfter(executor_, this, closingTime, [this] { explainTray(); }); });
+    connect(&tray_, &Tray::windowRequested, this, [this] { showWindow({}); });
+    connect(&tray_, &Tray::quickSearchRequested, this, [this] { showQuickSearch({}); });
+    connect(&longWork_, &LongWorkNotices::ended, this, &DesktopIntegration::tell);
+    connect(&screenSaver_, &ScreenSaver::locked, &parts.vault,
+            [&vault = parts.vault] { vault.sessionInterrupted(nullptr); });
     // A panel shown before the index was open searches once it is.
-    connect(&model, &AppModel::loaded, &panel_, &QuickSearchPanelController::refresh);
+    connect(&model_, &AppModel::loaded, &panel_, &QuickSearchPanelController::refresh);
 }
 
-void DesktopIntegration::obey(const DesktopActivation& activation) {
+void DesktopIntegration::obey(const DesktopActivation& activation, SystemSearch& search) {
     connect(&activation, &DesktopActivation::activated, this, &DesktopIntegration::showWindow);
     connect(&activation, &DesktopActivation::quickSearchRequested, this,
             &DesktopIntegration::showQuickSearch);
+    search.answerFrom(executor_, model_, settings_);
+    connect(&search, &SystemSearch::asked, this, &DesktopIntegration::endWhenUnused);
+    connect(&search, &SystemSearch::openRequested, &model_, &AppModel::open);
+    connect(&search, &SystemSearch::revealRequested, &model_, &AppModel::reveal);
+    connect(&search, &SystemSearch::searchRequested, this, [this](const QString& phrase) {
+        model_.setSection(QStringLiteral("search"));
+        model_.search()->search(phrase);
+        showWindow({});
+    });
 }
 
 QQuickWindow* DesktopIntegration::window() const {
     return qobject_cast<QQuickWindow*>(engine_.rootObjects().value(0));
 }
 
-void DesktopIntegration::showWindow() {
+void DesktopIntegration::showWindow(const QVariantMap& platformData) {
     window()->setWindowStates(window()->windowStates() & ~Qt::WindowMinimized);
     window()->show();
-    window()->raise();
-    window()->requestActivate();
+    activate(*window(), platformData);
+}
+
+/// Nothing that runs may be out of reach: without a tray a closed window is the end, and a window
+/// whose tray vanished comes back, out of the way.
+void DesktopIntegration::followTray() {
+    QGuiApplication::setQuitOnLastWindowClosed(!livesInTray());
+    if (tray_.isShown()) return;
+    runAfter(executor_, this, trayPatience, [this] {
+        if (!tray_.isShown() && !window()->isVisible()) window()->showMinimized();
+    });
+}
+
+/// The bus starts the program also for a question of the desktop's search alone.
+void DesktopIntegration::endWhenUnused() {
+    runAfter(executor_, this, unusedTime, [this, use = ++uses_] {
+        const bool isUsed = window()->isVisible() || panel_.isShown() || livesInTray();
+        if (use == uses_ && !isUsed) QCoreApplication::quit();
+    });
+}
+
+void DesktopIntegration::explainTray() {
+    if (!livesInTray() || window()->isVisible() || settings_.knowsTray()) return;
+    settings_.setKnowsTray();
+    notifications_.show(tr("Tovi goes on in the tray"),
+                        tr("Its icon there opens the window again or quits. Settings can end Tovi "
+                           "with its window."),
+                        {{tr("Open window"),
+                          [this](const QString& token) {
+                              showWindow({{QStringLiteral("activation-token"), token}});
+                          }},
+                         {tr("Quit"), [](const QString&) { QCoreApplication::quit(); }}});
+}
+
+void DesktopIntegration::tell(const LongWorkNotice& notice) {
+    if (!settings_.notifies() || QGuiApplication::focusWindow()) return;
+    QList<Notifications::Action> actions{
+        {tr("Show"), [this, section = notice.section](const QString& token) {
+             model_.setSection(section);
+             showWindow({{QStringLiteral("activation-token"), token}});
+         }}};
+    if (notice.undo) actions.append({tr("Undo"), [undo = notice.undo](const QString&) { undo(); }});
+    notifications_.show(notice.title, notice.text, actions);
 }
 
 void DesktopIntegration::registerShortcut() {
     if (model_.isLoaded()) hotKey_.registerChoice(model_.settings()->shortcutChoice());
 }
 
-void DesktopIntegration::showQuickSearch() {
-    panel_.present();
+void DesktopIntegration::showQuickSearch(const QVariantMap& platformData) {
+    panel_.present(platformData);
 }
 
 } // namespace tovi

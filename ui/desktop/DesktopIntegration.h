@@ -1,9 +1,17 @@
 #pragma once
 
 #include "app/model/AppModel.h"
+#include "app/vault/VaultModel.h"
 #include "ui/desktop/DesktopActivation.h"
+#include "ui/desktop/DesktopSettings.h"
 #include "ui/desktop/GlobalHotKey.h"
+#include "ui/desktop/LongWorkNotices.h"
+#include "ui/desktop/Notifications.h"
 #include "ui/desktop/QuickSearchPanelController.h"
+#include "ui/desktop/ScreenSaver.h"
+#include "ui/desktop/SystemAppearance.h"
+#include "ui/desktop/SystemSearch.h"
+#include "ui/desktop/Tray.h"
 
 class QQmlApplicationEngine;
 
@@ -14,24 +22,53 @@ class DesktopIntegration : public QObject {
     Q_OBJECT
 
   public:
-    DesktopIntegration(Executor& executor, AppModel& model, FileOpener& opener,
-                       QQmlApplicationEngine& engine);
+    static constexpr double unusedTime = 60;   // seconds without a window until the program ends
+    static constexpr double closingTime = 1;   // seconds in which a program that quits is gone
+    static constexpr double trayPatience = 10; // seconds for a tray that vanished to come back
+
+    /// All outlive the integration.
+    struct Parts {
+        Executor& executor;
+        AppModel& model;
+        CleanupModel& cleanup;
+        VaultModel& vault;
+        FileOpener& opener;
+        QQmlApplicationEngine& engine;
+        const std::string& dataDirectory;
+    };
+
+    explicit DesktopIntegration(const Parts& parts);
 
     /// Does from now on what the session bus asks for.
-    void obey(const DesktopActivation& activation);
+    void obey(const DesktopActivation& activation, SystemSearch& search);
 
-    void showWindow();
-    void showQuickSearch();
+    /// In front, as far as the desktop allows that for `platformData`.
+    void showWindow(const QVariantMap& platformData);
+    void showQuickSearch(const QVariantMap& platformData);
+    QuickSearchState& quickSearch() { return quickSearch_; }
 
   private:
     QQuickWindow* window() const;
     void registerShortcut();
+    bool livesInTray() const { return tray_.isShown() && settings_.staysInTray(); }
+    void followTray();
+    void explainTray();
+    void endWhenUnused();
+    void tell(const LongWorkNotice& notice);
 
+    Executor& executor_;
     AppModel& model_;
     QQmlApplicationEngine& engine_;
+    DesktopSettings settings_;
+    SystemAppearance appearance_{QDBusConnection::sessionBus()};
+    Tray tray_;
+    Notifications notifications_{QDBusConnection::sessionBus()};
+    LongWorkNotices longWork_;
+    ScreenSaver screenSaver_{QDBusConnection::sessionBus()};
     GlobalHotKey hotKey_;
     QuickSearchState quickSearch_;
     QuickSearchPanelController panel_;
+    int uses_ = 0;
 };
 
 } // namespace tovi

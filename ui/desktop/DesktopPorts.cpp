@@ -1,13 +1,18 @@
 #include "ui/desktop/DesktopPorts.h"
 
+#include "base/FileDescriptor.h"
+#include "ui/desktop/Portal.h"
+
 #include <QClipboard>
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QFile>
+#include <QDBusPendingCallWatcher>
+#include <QDBusUnixFileDescriptor>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <filesystem>
 #include <utility>
+
+#include <fcntl.h>
 
 namespace tovi {
 namespace {
@@ -18,13 +23,10 @@ QString decoded(const std::string& path) {
     return QFile::decodeName(QByteArray::fromStdString(path));
 }
 
-/// Whether something on the session bus shows files, or can be started to.
-bool hasFileManager(const QDBusConnection& bus) {
-    if (!bus.isConnected()) return false;
-    const QString name = QString::fromLatin1(fileManager);
-    const QDBusConnectionInterface* names = bus.interface();
-    return names->isServiceRegistered(name).value() ||
-           names->activatableServiceNames().value().contains(name);
+/// False as well where it cannot be told, as in a folder closed to the user.
+bool isThere(const std::string& path) {
+    std::error_code unknown;
+    return std::filesystem::exists(std::filesystem::symlink_status(path, unknown));
 }
 
 } // namespace
@@ -54,19 +56,56 @@ bool SystemClipboard::setText(const std::string& text) {
     return clipboard->text() == wanted;
 }
 
+SystemFileOpener::SystemFileOpener(const Launcher& launcher)
+    : launcher_(launcher), failures_(launcher.failures(), QSocketNotifier::Read) {
+    connect(&failures_, &QSocketNotifier::activated, this, &SystemFileOpener::tellFailure);
+}
+
+void SystemFileOpener::tellFailure() {
+    const auto path = launcher_.takeFailure();
+    if (!path) return failures_.setEnabled(false); // the launcher is gone
+    Q_EMIT failed(tr("“%1” could not be opened: no program of this desktop opened it.")
+                      .arg(QFileInfo(decoded(*path)).fileName()));
+}
+
 bool SystemFileOpener::open(const std::string& path) {
-    return std::filesystem::exists(std::filesystem::symlink_status(path)) && launcher_.open(path);
+    return isThere(path) && launcher_.open(path);
 }
 
 bool SystemFileOpener::reveal(const std::string& path) {
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!hasFileManager(bus)) return open(std::filesystem::path(path).parent_path().string());
+    if (!isThere(path)) return false;
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) return openFolder(path);
     QDBusMessage call = QDBusMessage::createMethodCall(
         QString::fromLatin1(fileManager), QStringLiteral("/org/freedesktop/FileManager1"),
         QString::fromLatin1(fileManager), QStringLiteral("ShowItems"));
-    const QString address = QUrl::fromLocalFile(decoded(path)).toString(QUrl::FullyEncoded);
-    call << QStringList{address} << QString();
-    return bus.send(call);
+    call << QStringList{QUrl::fromLocalFile(decoded(path)).toString(QUrl::FullyEncoded)}
+         << QString();
+    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, path] {
+        answer->deleteLater();
+        if (answer->isError()) revealThroughPortal(path);
+    });
+    return true;
+}
+
+void SystemFileOpener::revealThroughPortal(const std::string& path) {
+    const FileDescriptor file(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!file.isOpen()) {
+        openFolder(path);
+        return;
+    }
+    PortalRequest::send(QDBusConnection::sessionBus(),
+                        QStringLiteral("org.freedesktop.portal.OpenURI"),
+                        QStringLiteral("OpenDirectory"),
+                        {QString(), QVariant::fromValue(QDBusUnixFileDescriptor(file.get()))}, {},
+                        this, [this, path](PortalRequest::Result result, const QVariantMap&) {
+                            if (result == PortalRequest::Result::Unavailable) openFolder(path);
+                        });
+}
+
+bool SystemFileOpener::openFolder(const std::string& path) {
+    return launcher_.open(std::filesystem::path(path).parent_path().string());
 }
 
 } // namespace tovi

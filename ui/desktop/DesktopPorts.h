@@ -4,6 +4,7 @@
 #include "ui/desktop/Launcher.h"
 
 #include <QObject>
+#include <QSocketNotifier>
 #include <QUrl>
 
 namespace tovi {
@@ -32,16 +33,28 @@ class SystemClipboard final : public Clipboard {
 };
 
 /// Opens files through the launcher, and shows them in the file manager that answers on the
-/// session bus (org.freedesktop.FileManager1), else opens their folder.
-class SystemFileOpener final : public FileOpener {
+/// session bus (org.freedesktop.FileManager1), else through the desktop's portal; where neither
+/// can, their folder is opened.
+class SystemFileOpener final : public QObject, public FileOpener {
+    Q_OBJECT
+
   public:
-    explicit SystemFileOpener(const Launcher& launcher) : launcher_(launcher) {}
+    explicit SystemFileOpener(const Launcher& launcher);
 
     bool open(const std::string& path) override;
     bool reveal(const std::string& path) override;
 
+  Q_SIGNALS:
+    /// No program opened what one was asked to. A whole sentence.
+    void failed(const QString& sentence);
+
   private:
+    void tellFailure();
+    void revealThroughPortal(const std::string& path);
+    bool openFolder(const std::string& path);
+
     const Launcher& launcher_;
+    QSocketNotifier failures_;
 };
 
 } // namespace tovi

@@ -1,107 +1,68 @@
 #include "ui/desktop/GlobalHotKey.h"
 
-#include <QGuiApplication>
-#include <array>
-#include <cstdlib>
-#include <memory>
-#include <utility>
-
-#include <xcb/xcb.h>
-#include <xcb/xcb_keysyms.h>
+#include "ui/desktop/PortalHotKey.h"
+#include "ui/desktop/X11HotKey.h"
 
 namespace tovi {
 namespace {
 
-constexpr xcb_keysym_t spaceKey = 0x20;
-
-// A grab is for exact modifiers: each state of Caps Lock and Num Lock needs its own.
-constexpr std::array<std::uint16_t, 4> lockMasks{0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2,
-                                                 XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2};
-
-xcb_connection_t* connection() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
-
-xcb_window_t rootWindow() {
-    return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
-}
-
-std::uint8_t keyCodeOf(xcb_keysym_t symbol) {
-    const std::unique_ptr<xcb_key_symbols_t, decltype(&xcb_key_symbols_free)> symbols(
-        xcb_key_symbols_alloc(connection()), &xcb_key_symbols_free);
-    const std::unique_ptr<xcb_keycode_t, decltype(&std::free)> codes(
-        xcb_key_symbols_get_keycode(symbols.get(), symbol), &std::free);
-    return codes ? *codes : 0;
-}
+using State = HotKeySource::State;
 
 } // namespace
 
-GlobalHotKey::GlobalHotKey() {
-    qGuiApp->installNativeEventFilter(this);
+GlobalHotKey::GlobalHotKey(std::unique_ptr<HotKeySource> source) : source_(std::move(source)) {
+    connect(source_.get(), &HotKeySource::settled, this, &GlobalHotKey::settle);
+    connect(source_.get(), &HotKeySource::pressed, this, &GlobalHotKey::pressed);
 }
 
-GlobalHotKey::~GlobalHotKey() {
-    unregister();
-}
+GlobalHotKey::~GlobalHotKey() = default;
 
 void GlobalHotKey::registerChoice(const QString& choice) {
     if (choice == choice_) return;
     choice_ = choice;
-    unregister();
+    source_->release();
+    isRegistered_ = false;
+    keys_.clear();
     message_.clear();
-    if (choice != QLatin1String("disabled")) {
-        modifiers_ = choice == QLatin1String("controlOptionSpace")
-                         ? XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1
-                         : XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT;
-        if (!connection()) {
-            message_ = tr("This desktop lets no program take a shortcut. Bind the command “tovi "
-                          "--quick-search” to a key in the keyboard settings.");
-        } else if (!(isRegistered_ = grab())) {
-            message_ = tr("The global shortcut is already in use. Choose another combination in "
-                          "Settings. ⌘K still works in Tovi.");
-            Q_EMIT refused();
-        }
+    if (choice == QLatin1String("disabled")) {
+        Q_EMIT changed();
+    } else {
+        source_->take(choice);
+    }
+}
+
+void GlobalHotKey::settle(State state, const QString& keys) {
+    isRegistered_ = state == State::Registered;
+    keys_ = keys;
+    switch (state) {
+    case State::Registered:
+        message_.clear();
+        break;
+    case State::InUse:
+        message_ = tr("The global shortcut is already in use. Choose another combination in "
+                      "Settings. ⌘K still works in Tovi.");
+        Q_EMIT refused();
+        break;
+    case State::Refused:
+        message_ = tr("The desktop did not allow the shortcut. Choose another combination, or bind "
+                      "the command “tovi --quick-search” to a key in the keyboard settings.");
+        break;
+    case State::Unavailable:
+        message_ = tr("This desktop lets no program take a shortcut. Bind the command “tovi "
+                      "--quick-search” to a key in the keyboard settings.");
+        break;
     }
     Q_EMIT changed();
 }
 
-bool GlobalHotKey::grab() {
-    keyCode_ = keyCodeOf(spaceKey);
-    bool isTaken = keyCode_ != 0;
-    for (const std::uint16_t locks : lockMasks) {
-        const xcb_void_cookie_t request = xcb_grab_key_checked(
-            connection(), 1, rootWindow(), static_cast<std::uint16_t>(modifiers_ | locks), keyCode_,
-            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-        const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> error(
-            xcb_request_check(connection(), request), &std::free);
-        isTaken = isTaken && !error;
+std::unique_ptr<HotKeySource> makeHotKeySource() {
+    // An X server below a Wayland desktop hears only the keys that its own windows get.
+    const bool isWayland = qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") ||
+                           qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    if (x11Connection() && !isWayland) {
+        return std::make_unique<X11HotKey>();
     }
-    if (!isTaken) ungrab();
-    return isTaken;
-}
-
-void GlobalHotKey::unregister() {
-    if (std::exchange(isRegistered_, false)) ungrab();
-}
-
-void GlobalHotKey::ungrab() const {
-    for (const std::uint16_t locks : lockMasks)
-        xcb_ungrab_key(connection(), keyCode_, rootWindow(),
-                       static_cast<std::uint16_t>(modifiers_ | locks));
-    xcb_flush(connection());
-}
-
-bool GlobalHotKey::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
-    if (!isRegistered_ || type != "xcb_generic_event_t") return false;
-    const auto* event = static_cast<const xcb_generic_event_t*>(message);
-    if ((event->response_type & 0x7f) != XCB_KEY_PRESS) return false;
-    const auto* key = static_cast<const xcb_key_press_event_t*>(message);
-    const int relevant =
-        XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
-    if (key->detail != keyCode_ || (key->state & relevant) != modifiers_) return false;
-    Q_EMIT pressed();
-    return true;
+    return std::make_unique<PortalHotKey>(QDBusConnection::sessionBus());
 }
 
 } // namespace tovi

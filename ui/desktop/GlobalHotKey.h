@@ -1,49 +1,50 @@
 #pragma once
 
-#include <QAbstractNativeEventFilter>
-#include <QObject>
-#include <cstdint>
+#include "ui/desktop/HotKeySource.h"
+
+#include <memory>
 
 namespace tovi {
 
-/// The shortcut that opens the quick search panel over any program. Registered with the X server;
-/// where there is none, the desktop has to bind the command, and `message` says so.
-class GlobalHotKey : public QObject, public QAbstractNativeEventFilter {
+/// The shortcut that opens the quick search panel over any program, and the true state of its
+/// registration. Where the desktop gives none, it has to bind the command, and `message` says so.
+class GlobalHotKey : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isRegistered READ isRegistered NOTIFY changed)
+    Q_PROPERTY(QString keys READ keys NOTIFY changed)
     Q_PROPERTY(QString message READ message NOTIFY changed)
 
   public:
-    GlobalHotKey();
+    explicit GlobalHotKey(std::unique_ptr<HotKeySource> source);
     ~GlobalHotKey() override;
 
-    /// Lets go of the present shortcut, then takes "commandShiftSpace" (Super for Command) or
-    /// "controlOptionSpace" (Alt for Option); nothing for "disabled". After a
+    /// Lets go of the present shortcut, then takes the chosen one; none for "disabled". After a
     /// failure nothing is registered.
     void registerChoice(const QString& choice);
 
     bool isRegistered() const { return isRegistered_; }
+    /// How the desktop names the registered keys; empty where it says nothing.
+    QString keys() const { return keys_; }
     /// Why the chosen shortcut is not registered; empty where it is, or where none is wanted.
     QString message() const { return message_; }
 
-    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
-
   Q_SIGNALS:
     void changed();
-    void pressed();
+    void pressed(const QString& activationToken);
     /// Another program has the shortcut.
     void refused();
 
   private:
-    void unregister();
-    bool grab();
-    void ungrab() const;
+    void settle(HotKeySource::State state, const QString& keys);
 
+    std::unique_ptr<HotKeySource> source_;
     QString choice_;
+    QString keys_;
     QString message_;
     bool isRegistered_ = false;
-    std::uint16_t modifiers_ = 0;
-    std::uint8_t keyCode_ = 0;
 };
+
+/// The source of the desktop that the program runs on.
+std::unique_ptr<HotKeySource> makeHotKeySource();
 
 } // namespace tovi

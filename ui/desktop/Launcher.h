@@ -2,6 +2,7 @@
 
 #include "base/FileDescriptor.h"
 
+#include <optional>
 #include <string>
 
 namespace tovi {
@@ -18,6 +19,11 @@ class Launcher {
     /// Opens the file with the program its owner has chosen for its kind; an absolute path. Returns
     /// whether the launcher was reached, without waiting for the program.
     bool open(const std::string& path) const;
+
+    /// Readable when there is a failure to take.
+    int failures() const { return socket_.get(); }
+    /// A file that no program would open, if one is waiting to be told of.
+    std::optional<std::string> takeFailure() const;
 
   private:
     explicit Launcher(FileDescriptor socket) : socket_(std::move(socket)) {}

@@ -1,5 +1,7 @@
 #include "ui/desktop/QuickSearchPanelController.h"
 
+#include "ui/desktop/ActivationToken.h"
+
 #include <QQmlComponent>
 
 namespace tovi {
@@ -9,7 +11,7 @@ QuickSearchPanelController::QuickSearchPanelController(QQmlEngine& engine, Quick
     connect(&state, &QuickSearchState::finished, this, &QuickSearchPanelController::dismiss);
 }
 
-void QuickSearchPanelController::present() {
+void QuickSearchPanelController::present(const QVariantMap& platformData) {
     if (!panel_) {
         QQmlComponent component(
             &engine_, QUrl(QStringLiteral("qrc:/qt/qml/Tovi/quicksearch/QuickSearchPanel.qml")));
@@ -18,15 +20,16 @@ void QuickSearchPanelController::present() {
         connect(panel_.get(), SIGNAL(dismissed()), this, SLOT(dismiss()));
     }
     QMetaObject::invokeMethod(panel_.get(), "present");
+    activate(*panel_, platformData);
     state_.present();
 }
 
 void QuickSearchPanelController::refresh() {
-    if (panel_ && panel_->isVisible()) state_.present();
+    if (isShown()) state_.present();
 }
 
 void QuickSearchPanelController::dismiss() {
-    if (!panel_ || !panel_->isVisible()) return;
+    if (!isShown()) return;
     panel_->hide();
     state_.invalidate();
     Q_EMIT dismissed();

@@ -16,7 +16,8 @@ class QuickSearchPanelController : public QObject {
     QuickSearchPanelController(QQmlEngine& engine, QuickSearchState& state);
 
     /// Shows the panel over all windows, its field focused and its text selected.
-    void present();
+    Q_INVOKABLE void present(const QVariantMap& platformData = {});
+    bool isShown() const { return panel_ && panel_->isVisible(); }
     /// Searches again if the panel is shown.
     void refresh();
 

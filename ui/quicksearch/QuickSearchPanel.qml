@@ -12,8 +12,6 @@ Window {
 
     function present() {
         show()
-        raise()
-        requestActivate()
         field.forceActiveFocus()
         field.selectAll()
     }

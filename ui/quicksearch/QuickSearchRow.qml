@@ -23,6 +23,7 @@ ItemDelegate {
     Accessible.name: name
     Accessible.description: description
     Accessible.selected: isCurrent
+    Accessible.onPressAction: clicked()
 
     contentItem: RowLayout {
         spacing: 12

@@ -20,6 +20,7 @@ SettingsGroup {
     AppText {
         Layout.fillWidth: true
         text: HotKey.message ? HotKey.message
+            : HotKey.keys ? qsTr("The shortcut is registered as %1.").arg(HotKey.keys)
             : HotKey.isRegistered ? qsTr("The shortcut is registered.")
             : qsTr("No shortcut is registered.")
         color: HotKey.message ? Theme.danger : Theme.secondaryText

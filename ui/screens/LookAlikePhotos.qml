@@ -95,6 +95,7 @@ FocusScope {
                 required property var files
                 required property int count
                 required property int keeper
+                required property string warning
                 required property var potentialBytes
                 readonly property bool isAllMarked: files.every(file => screen.isMarked(file.path))
                 readonly property string heading: qsTr("%1, up to %2 reclaimable")
@@ -124,6 +125,7 @@ FocusScope {
                             color: Theme.warning
                         }
                         ActionButton {
+                            visible: group.keeper >= 0
                             text: qsTr("Mark all but the kept one")
                             Accessible.description: group.heading
                             onClicked: group.files.forEach((file, at) => {
@@ -137,6 +139,13 @@ FocusScope {
                             Accessible.description: group.heading
                             onClicked: comparison.show(group.files, group.keeper)
                         }
+                    }
+                    AppText {
+                        Layout.fillWidth: true
+                        visible: text !== ""
+                        text: group.warning
+                        color: Theme.warning
+                        wrapMode: Text.Wrap
                     }
                     Flow {
                         Layout.fillWidth: true

@@ -4,21 +4,23 @@ import QtQuick.Layouts
 import Tovi
 import Tovi.Models
 
-/// Two photos side by side, enlarged and moved together. The left one is the one that stays; the
-/// arrow keys go through the others.
+/// Two photos side by side, enlarged and moved together. The left one is the one that stays, or the
+/// first where none is proposed; the arrow keys go through the others.
 Sheet {
     id: sheet
 
     property var photos: []
     property int keeper: 0
+    property bool isProposed: true
     property int other: 1
     property double zoom: 1
     property point middle: Qt.point(0, 0)
 
     function show(files, kept) {
         photos = files
-        keeper = kept
-        other = kept === 0 ? 1 : 0
+        keeper = Math.max(kept, 0)
+        isProposed = kept >= 0
+        other = keeper === 0 ? 1 : 0
         fit()
         open()
     }
@@ -140,7 +142,7 @@ Sheet {
                         photo: sheet.photos[modelData]
                         zoom: sheet.zoom
                         middle: sheet.middle
-                        isKeeper: modelData === sheet.keeper
+                        isKeeper: sheet.isProposed && modelData === sheet.keeper
                         isMarked: LookAlikes.selectedIDs.indexOf(photo.path) >= 0
                         onZoomed: factor => sheet.zoomBy(factor)
                         onMoved: (dx, dy) => sheet.moveBy(dx, dy)

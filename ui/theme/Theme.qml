@@ -2,7 +2,7 @@ pragma Singleton
 
 import QtQuick
 
-/// Colours, spacing, type and motion. `choice`, `appearance` and `highContrast` are set by the window.
+/// Colours, spacing, type and motion. What is not read-only is set by the window.
 QtObject {
     id: theme
 
@@ -12,8 +12,9 @@ QtObject {
     property bool reducedMotion: false
 
     readonly property SystemPalette system: SystemPalette {}
+    property bool isSystemDark: system.window.hslLightness < 0.5
     readonly property bool isDark: choice === "midnight" || appearance === "dark"
-        || (appearance === "system" && system.window.hslLightness < 0.5)
+        || (appearance === "system" && isSystemDark)
     readonly property var colors: isDark ? dark : choice === "lilac" ? lilac : minimal
 
     readonly property color background: colors.background

@@ -56,6 +56,12 @@ TEST_F(AppModelTest, ConnectsScansSearchesAndRemembers) {
     EXPECT_THAT(names(model->library()->records()), UnorderedElementsAre("roses.txt", "tools.txt"));
     EXPECT_THAT(found("spade"), ElementsAre("tools.txt"));
     EXPECT_FALSE(model->search()->hasMoreSearchResults());
+    for (const bool isDescending : {false, true}) {
+        model->library()->sortBy(QStringLiteral("name"));
+        executor.settle();
+        EXPECT_EQ(model->library()->isSortDescending(), isDescending);
+        EXPECT_EQ(names(model->library()->records()).front() == "tools.txt", isDescending);
+    }
 
     settings.automaticallyScan = false;
     model = nullptr;

@@ -65,13 +65,18 @@ TEST_F(SimilarPhotosModelTest, ShowsProgressAndTheFinishedReport) {
     };
     report.analyzed = 4'711;
     report.groups = {{{photo("/r/a", 5), photo("/r/b", 7), photo("/r/c", 6)}, {{}, {}, {}}}};
+    report.groups.push_back({{photo("/r/d"), photo("/r/e")}, {{.looksLikeText = true}, {}}});
     executor.settle();
     EXPECT_THAT(
         seen, ElementsAre("Looking at photos · 1.200 of 5.000", "Finding photos that look alike…"));
     EXPECT_THAT(checkedPaths, ElementsAre("/r/a", "/r"));
     EXPECT_FALSE(model.isScanning());
     EXPECT_EQ(status(), "Compared 4.711 photos.");
-    ASSERT_EQ(model.groups()->count(), 1);
+    ASSERT_EQ(model.groups()->count(), 2);
+    EXPECT_EQ(model.groups()->value(0, toQt("keeper")).toInt(), 0);
+    EXPECT_EQ(model.groups()->value(0, toQt("warning")).toString(), QString());
+    EXPECT_EQ(model.groups()->value(1, toQt("keeper")).toInt(), -1) << "half of it is text";
+    EXPECT_NE(model.groups()->value(1, toQt("warning")).toString(), QString());
     EXPECT_EQ(model.groups()->value(0, toQt("potentialBytes")).toLongLong(), 11);
     EXPECT_EQ(model.notice(), QString());
 

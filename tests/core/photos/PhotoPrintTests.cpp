@@ -46,6 +46,24 @@ TEST(PhotoPrint, TellsColourByTheMeans) {
     EXPECT_NEAR(red.feature[769], 2 * 0.713 * (255 - luma) / 255, 1e-4);
 }
 
+TEST(PhotoPrint, TellsPagesOfTextFromPictures) {
+    // Lines of short strokes, ten pixels high, on paper of this luma and with ink of that one.
+    const auto page = [](int paper, int ink, std::size_t stroke) {
+        DecodedPicture picture = filled(300, 400, std::string(3, static_cast<char>(paper)));
+        for (std::size_t at = 0; at < 300 * 400; ++at) {
+            const bool isInk = at / 300 % 20 < 10 && at % 300 % (4 * stroke) < stroke;
+            if (isInk) picture.pixels.replace(3 * at, 3, 3, static_cast<char>(ink));
+        }
+        return makePhotoPrint(picture).looksLikeText;
+    };
+    EXPECT_TRUE(page(255, 0, 2));
+    EXPECT_TRUE(page(30, 220, 3)) << "light on dark";
+    EXPECT_FALSE(page(255, 0, 15)) << "shapes";
+    EXPECT_FALSE(page(200, 170, 2)) << "grain";
+    for (unsigned seed = 1; seed < 12; ++seed)
+        EXPECT_FALSE(makePhotoPrint(scene(seed, 240, 180, 2)).looksLikeText) << seed;
+}
+
 TEST(PhotoPrint, IsFiniteForEveryShape) {
     for (const auto& [width, height] : {std::pair(1, 768), {768, 1}, {1, 1}, {2, 3}, {127, 129}}) {
         const PhotoPrint print = makePhotoPrint(scene(3, width, height));

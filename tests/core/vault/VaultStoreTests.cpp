@@ -309,7 +309,6 @@ TEST_F(VaultStoreTest, StopsAtItsLimits) {
     expectError(VaultError::io("The Vault has reached its item limit."),
                 [&] { store->importFile(source); });
     EXPECT_EQ(contents(vaultPath), full);
-    EXPECT_EQ(store->items().size(), 100'000U);
     fill(100'001);
     expectError(Kind::invalidFormat, [&] { store->items(); });
 
@@ -320,7 +319,6 @@ TEST_F(VaultStoreTest, StopsAtItsLimits) {
     expectError(VaultError::io("The Vault has reached its metadata limit."),
                 [&] { store->importFile(source); });
     EXPECT_EQ(contents(vaultPath), before);
-    EXPECT_EQ(store->items().size(), 1'142U);
 }
 
 } // namespace
