@@ -19,7 +19,7 @@ run: release ## build, index FOLDER=, answer PHRASE= and open the window
 
 .PHONY: screenshots
 screenshots: ## draw every screen anew into docs/screenshots
-	scripts/bootstrap
+	scripts/bootstrap --developer
 	cmake --preset release
 	cmake --build --preset release -j $(JOBS) --target tovi-screenshots tovi-decoder
 	scripts/make-screenshots

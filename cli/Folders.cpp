@@ -42,13 +42,14 @@ void rememberFolders(const std::vector<std::string>& roots, const FileIndexer& i
     const Preferences before = file.read();
     Preferences preferences = before;
     platform::SystemBookmarks bookmarks;
+    FolderAccess access(bookmarks);
     for (const std::string& root : roots) {
         const auto known = std::find_if(preferences.roots.begin(), preferences.roots.end(),
                                         [&](const FolderGrant& each) { return each.path == root; });
         if (known == preferences.roots.end()) {
-            preferences.roots.push_back(makeGrant(root, indexer, bookmarks));
-        } else if (!checkedGrant(*known, bookmarks).available) {
-            *known = makeGrant(root, indexer, bookmarks);
+            preferences.roots.push_back(access.grant(root, indexer));
+        } else if (!access.checked(*known).available) {
+            *known = access.grant(root, indexer);
         }
     }
     if (preferences != before) file.save(1, preferences);
@@ -56,9 +57,10 @@ void rememberFolders(const std::vector<std::string>& roots, const FileIndexer& i
 
 bool isTheConnectedFolder(const std::string& root, const Context& context) {
     platform::SystemBookmarks bookmarks;
+    FolderAccess access(bookmarks);
     for (const FolderGrant& grant : context.readPreferences().roots) {
         if (grant.path != root) continue;
-        const FolderGrant found = checkedGrant(grant, bookmarks);
+        const FolderGrant found = access.checked(grant);
         return (found.available && found.path == root) || !std::filesystem::exists(root);
     }
     return true;

@@ -15,13 +15,14 @@ enum class FileType { regular, directory, symbolicLink, other };
 struct FileAttributes {
     FileType type = FileType::other;
     std::int64_t size = 0; // bytes
-    Date createdAt;        // the modification date where the file system keeps no birth time
+    Date createdAt;        // the modification date unless `hasBirthTime`
     Date modifiedAt;
     timespec modified{}; // `modifiedAt` to the nanosecond
     timespec changed{};  // the last change of content, name or rights
     std::uint64_t inode = 0;
     std::uint64_t device = 0;
     std::uint64_t linkCount = 1; // names that lead to the item
+    bool hasBirthTime = false;   // as the file system keeps it
 };
 
 /// Throws `std::system_error` with the path.

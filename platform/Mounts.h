@@ -13,6 +13,8 @@ struct Mount {
     std::uint64_t device = 0; // as in `FileAttributes`
     std::string part;         // the path within its own file system that is seen here
     bool isVirtual = false;   // made by the kernel and holding no files of users
+
+    friend bool operator==(const Mount&, const Mount&) = default;
 };
 
 /// In the order in which they were made: of two at one path the later one is seen. Empty where the

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import Tovi
 import Tovi.Models
@@ -36,7 +35,7 @@ ApplicationWindow {
         { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
         { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
           symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
-        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.open() }
+        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.get().open() }
     ])
     property var visited: []
 
@@ -99,10 +98,6 @@ ApplicationWindow {
     Binding { target: Theme; property: "isSystemDark"; value: SystemAppearance.isDark; when: SystemAppearance.knowsScheme }
     Binding { target: Theme; property: "highContrast"; value: Desktop.moreContrast || SystemAppearance.hasHighContrast }
     Binding { target: Theme; property: "reducedMotion"; value: Desktop.lessMotion || SystemAppearance.hasReducedMotion }
-
-    Component.onCompleted: {
-        App.prepare()
-    }
 
     RowLayout {
         anchors.fill: parent
@@ -258,31 +253,29 @@ ApplicationWindow {
         }
     }
 
-    FolderDialog {
+    OnDemand {
         id: folderDialog
-        objectName: "folder-dialog"
-        onAccepted: FolderDialogs.finish(selectedFolder)
-        onRejected: FolderDialogs.finish("")
+        source: "sheets/FolderPicker.qml"
     }
     Connections {
         target: FolderDialogs
         function onRequested(title, message, button, directory) {
-            folderDialog.title = title + " — " + message
-            folderDialog.acceptLabel = button
-            if (directory.toString())
-                folderDialog.currentFolder = directory
-            folderDialog.open()
+            folderDialog.get().ask(title + " — " + message, button, directory)
         }
     }
 
     onActiveFocusItemChanged: follow(activeFocusItem)
     onClosing: Vault.windowClosed()
 
-    PlanSheet {}
-    ShortcutsSheet { id: shortcuts }
-    VaultPanels {}
-    CleanupSheet {}
-    CommandPalette { commands: window.commands }
+    OnDemand { source: "sheets/PlanSheet.qml"; isWanted: App.plans.proposedPlan.id !== undefined }
+    OnDemand { source: "sheets/CleanupSheet.qml"; isWanted: Cleanup.proposedPlan.id !== undefined }
+    OnDemand { source: "sheets/VaultPanels.qml"; isWanted: window.current.id === "vault" }
+    OnDemand { id: shortcuts; source: "sheets/ShortcutsSheet.qml" }
+    OnDemand {
+        source: "sheets/CommandPalette.qml"
+        isWanted: App.showCommandPalette
+        onLoaded: item.commands = Qt.binding(() => window.commands)
+    }
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
     Shortcut {
@@ -294,7 +287,7 @@ ApplicationWindow {
     }
     Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
     Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
-    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.open() }
+    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.get().open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }

@@ -317,9 +317,9 @@ void CleanupModel::review() {
     runLatest(
         system_.executor, this, reviewGeneration_,
         [system = system_, items = candidates_.selected(),
-         roots = app_.folders()->availablePaths()](const std::stop_token& stop) {
+         roots = app_.folders()->pathsInPlace()](const std::stop_token& stop) {
             auto service = std::make_shared<Service>(system);
-            CleanupPlan plan = service->trash.prepare(items, roots, stop);
+            CleanupPlan plan = service->trash.prepare(items, roots(), stop);
             return Review{std::move(service), std::move(plan)};
         },
         [this](Outcome<Review> outcome) {
@@ -374,8 +374,8 @@ void CleanupModel::execute() {
     runInBackground(
         system_.executor, this, execution_.get_token(),
         [plan = *plan_, service = service_,
-         roots = app_.folders()->availablePaths()](const std::stop_token& stop) {
-            return service->trash.execute(plan, plan.id, roots, stop);
+         roots = app_.folders()->pathsInPlace()](const std::stop_token& stop) {
+            return service->trash.execute(plan, plan.id, roots(), stop);
         },
         [this](const Outcome<CleanupReceipt>& outcome) { executionEnded(outcome); });
 }

@@ -102,13 +102,18 @@ void GraphModel::show(const QString& path) {
 
 void GraphModel::showAny() {
     if (!index_ || !center_.isEmpty()) return;
+    isLoading_ = true;
+    Q_EMIT changed();
     runLatest(
         executor_, this, generation_,
         [index = index_](const std::stop_token& stop) {
             return index->search({}, 1, 0, IndexStore::Content::leftOut, stop);
         },
         [this](const Outcome<std::vector<FileRecord>>& newest) {
-            if (newest && !newest.value->empty()) show(toQt(newest.value->front().path));
+            if (newest && !newest.value->empty()) return show(toQt(newest.value->front().path));
+            isLoading_ = false;
+            error_ = toQt(newest.error);
+            Q_EMIT changed();
         });
 }
 

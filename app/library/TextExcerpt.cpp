@@ -6,7 +6,7 @@
 namespace tovi {
 namespace {
 
-constexpr qsizetype before = 160; // the first word
+constexpr qsizetype mostBefore = 160; // the first word
 constexpr qsizetype longestWord = 24;
 
 /// Matches nothing without words.
@@ -38,7 +38,9 @@ QString escaped(QStringView part) {
 
 QString markedExcerpt(const QString& text, const QStringList& words, qsizetype limit) {
     const QRegularExpression pattern = patternOf(words);
-    qsizetype begin = std::max<qsizetype>(0, pattern.match(text).capturedStart() - before);
+    const qsizetype before = std::min(mostBefore, limit / 4);
+    const qsizetype first = text.size() <= limit ? 0 : pattern.match(text).capturedStart();
+    qsizetype begin = std::max<qsizetype>(0, first - before);
     if (begin > 0) begin = nextWord(text, begin);
     qsizetype end = std::min(text.size(), begin + limit);
     if (end < text.size() && end > begin && text[end].isLowSurrogate()) --end;

@@ -41,8 +41,7 @@ AppModel::AppModel(AppSystem system, AppSettings settings)
       options_(std::move(settings)),
       context_{system_.executor, notices_, nullptr},
       folders_(context_, system_.indexer, system_.actions.bookmarks, system_.folderPicker),
-      scan_(context_, folders_, settings_, system_.indexer, system_.actions.bookmarks,
-            options_.automaticRescanInterval),
+      scan_(context_, folders_, settings_, system_.indexer, options_.automaticRescanInterval),
       library_(context_),
       search_(context_),
       spaces_(context_),
@@ -207,9 +206,9 @@ void AppModel::checkFolders() {
     runInBackground(
         context_.executor, this, {},
         [roots = folders_.roots(), index = context_.index,
-         &bookmarks = system_.actions.bookmarks](const std::stop_token& stop) {
+         access = folders_.access()](const std::stop_token& stop) {
             return std::pair(roots,
-                             checkRoots(roots, index ? &index->store : nullptr, bookmarks, stop));
+                             checkRoots(roots, index ? &index->store : nullptr, *access, stop));
         },
         [this](const Outcome<std::pair<std::vector<FolderGrant>, std::vector<FolderGrant>>>& both) {
             isCheckingFolders_ = false;

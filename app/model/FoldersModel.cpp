@@ -53,7 +53,7 @@ FoldersModel::FoldersModel(ModelContext& context, const FileIndexer& indexer,
                            platform::Bookmarks& bookmarks, FolderPicker& picker)
     : context_(context),
       indexer_(indexer),
-      bookmarks_(bookmarks),
+      access_(std::make_shared<FolderAccess>(bookmarks)),
       picker_(picker),
       list_([](const FolderGrant& grant) { return grant.path; },
             {{"path", [](const FolderGrant& grant) { return toQt(grant.path); }},
@@ -68,6 +68,7 @@ FoldersModel::FoldersModel(ModelContext& context, const FileIndexer& indexer,
 
 void FoldersModel::setRoots(std::vector<FolderGrant> roots) {
     list_.replace(std::move(roots));
+    access_->keepOnly(list_.rows());
     updateFreshness();
 }
 
@@ -143,6 +144,10 @@ std::vector<std::string> FoldersModel::availablePaths() const {
     return paths;
 }
 
+std::function<std::vector<std::string>()> FoldersModel::pathsInPlace() const {
+    return [grants = roots(), access = access_] { return access->pathsInPlace(grants); };
+}
+
 void FoldersModel::presentFolderPicker() {
     pick({"Choose a folder for Tovi", "Add folders for your library and automatic cleanup.",
           "Allow this folder", std::nullopt});
@@ -178,11 +183,11 @@ void FoldersModel::grantFolders(const QStringList& folders) {
         chosen.push_back(fromQt(folder));
     runInBackground(
         context_.executor, this, {},
-        [chosen, &indexer = indexer_, &bookmarks = bookmarks_](const std::stop_token&) {
+        [chosen, &indexer = indexer_, access = access_](const std::stop_token&) {
             Granted granted;
             for (const std::string& folder : chosen) {
                 try {
-                    granted.grants.push_back(makeGrant(folder, indexer, bookmarks));
+                    granted.grants.push_back(access->grant(folder, indexer));
                 } catch (const std::exception& error) {
                     addSentence(granted.refusals, error.what());
                 }

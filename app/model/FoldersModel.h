@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/lists/DifferenceListModel.h"
-#include "app/model/FolderGrants.h"
+#include "app/model/FolderAccess.h"
 #include "app/model/ModelContext.h"
 #include "app/model/Ports.h"
 #include "platform/FolderEvents.h"
@@ -30,6 +30,10 @@ class FoldersModel : public QObject {
     RowListModel* rootList() { return &list_; }
     const std::vector<FolderGrant>& roots() const { return list_.rows(); }
     std::vector<std::string> availablePaths() const;
+    const std::shared_ptr<FolderAccess>& access() const { return access_; }
+    /// To be called away from the main thread: the available paths at which the connected folders
+    /// lie still.
+    std::function<std::vector<std::string>()> pathsInPlace() const;
     /// One of each root, in their order.
     std::vector<platform::FolderFreshness> freshness() const;
 
@@ -74,7 +78,7 @@ class FoldersModel : public QObject {
 
     ModelContext& context_;
     const FileIndexer& indexer_;
-    platform::Bookmarks& bookmarks_;
+    const std::shared_ptr<FolderAccess> access_; // jobs under way hold it too
     FolderPicker& picker_;
     DifferenceListModel<FolderGrant> list_;
     std::vector<platform::FolderFreshness> watched_;             // as the monitor told last

@@ -8,6 +8,7 @@ namespace {
 
 constexpr double recentPeriod = 7 * 86'400.0;   // seconds
 constexpr std::int64_t largeFile = 100'000'000; // bytes
+constexpr std::int64_t mostRecent = 6;
 
 SearchQuery libraryQuery(std::optional<FileKind> kind, const QString& preset, Date now) {
     SearchQuery query;
@@ -93,6 +94,14 @@ void LibraryModel::refresh(const std::string& errorPrefix) {
     reloadPage(errorPrefix);
     if (!context_.index) return;
     runLatest(
+        context_.executor, this, recentGeneration_,
+        [index = context_.index](const std::stop_token& stop) {
+            return index->reader.search({}, mostRecent, 0, IndexStore::Content::leftOut, stop);
+        },
+        [this](Outcome<std::vector<FileRecord>> outcome) { // a failure is told by the page
+            if (outcome) recent_.replace(*std::move(outcome.value));
+        });
+    runLatest(
         context_.executor, this, summaryGeneration_,
         [index = context_.index](const std::stop_token&) { return index->counter.summary(); },
         [this, errorPrefix](Outcome<IndexSummary> outcome) {
@@ -107,6 +116,8 @@ void LibraryModel::clear() {
     pages_.clear();
     summaryGeneration_.cancel();
     summary_ = {};
+    recentGeneration_.cancel();
+    recent_.replace({});
     Q_EMIT summaryChanged();
 }
 

@@ -6,12 +6,15 @@
 
 namespace tovi {
 
-/// The library: the newest files of the index, filtered by kind and preset, and its counts.
+/// The library: the files of the index, sorted and filtered by kind and preset, and its counts.
 class LibraryModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(tovi::RowListModel* files READ files CONSTANT)
     Q_PROPERTY(int filesRevision READ filesRevision NOTIFY filesChanged)
     Q_PROPERTY(bool hasMoreFiles READ hasMoreFiles NOTIFY filesChanged)
+    Q_PROPERTY(QString sortColumn READ sortColumn NOTIFY filesChanged)
+    Q_PROPERTY(bool isSortDescending READ isSortDescending NOTIFY filesChanged)
+    Q_PROPERTY(tovi::RowListModel* recentFiles READ recentFiles CONSTANT)
     Q_PROPERTY(QVariantMap librarySummary READ librarySummary NOTIFY summaryChanged)
     Q_PROPERTY(
         QString libraryKind READ libraryKindName WRITE setLibraryKindName NOTIFY filterChanged)
@@ -23,9 +26,14 @@ class LibraryModel : public QObject {
     explicit LibraryModel(ModelContext& context);
 
     RowListModel* files() { return &pages_.list(); }
+    /// The few latest modified, whatever filter and order of `files`.
+    RowListModel* recentFiles() { return &recent_; }
     const std::vector<FileRecord>& records() const { return pages_.list().rows(); }
     int filesRevision() const { return pages_.revision(); }
     bool hasMoreFiles() const { return pages_.hasMore(); }
+    QString sortColumn() const { return pages_.sortColumn(); }
+    bool isSortDescending() const { return pages_.isSortDescending(); }
+    Q_INVOKABLE void sortBy(const QString& column) { pages_.sortBy(column); }
 
     const IndexSummary& summary() const { return summary_; }
     /// total, unread, databaseSize, kinds (list of kind, title, symbol, count) and roots (list of
@@ -63,6 +71,8 @@ class LibraryModel : public QObject {
     std::string errorPrefix_;
     IndexSummary summary_;
     Generation summaryGeneration_;
+    RecordList recent_;
+    Generation recentGeneration_;
     std::optional<FileKind> libraryKind_;
     QString libraryPreset_ = QStringLiteral("all");
     QString downloadSourceSelection_;

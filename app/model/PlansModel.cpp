@@ -134,8 +134,8 @@ void PlansModel::propose(Request request) {
     runLatest(
         context_.executor, this, planGeneration_,
         [request = std::move(request), service = service_,
-         roots = folders_.availablePaths()](const std::stop_token& stop) {
-            return service->plan(request.files, request.operation, request.newName, roots,
+         roots = folders_.pathsInPlace()](const std::stop_token& stop) {
+            return service->plan(request.files, request.operation, request.newName, roots(),
                                  request.keepers, stop);
         },
         [this, isVaultOriginalReview](Outcome<ActionPlan> outcome) {
@@ -212,9 +212,9 @@ void PlansModel::confirmPlan(const QString& reviewedID) {
     Q_EMIT planChanged();
     runInBackground(
         context_.executor, this, execution_.get_token(),
-        [plan = *proposedPlan_, roots, service = service_,
+        [plan = *proposedPlan_, inPlace = folders_.pathsInPlace(), service = service_,
          index = context_.index](const std::stop_token& stop) {
-            ActionReceipt receipt = service->execute(plan, plan.id, roots, stop);
+            ActionReceipt receipt = service->execute(plan, plan.id, inPlace(), stop);
             if (index) followInIndex(receipt, index->store);
             return receipt;
         },
@@ -247,8 +247,8 @@ void PlansModel::undo(const QString& receipt) {
     Q_EMIT planChanged();
     runInBackground(
         context_.executor, this, {},
-        [id = *id, roots = folders_.availablePaths(), service = service_](const std::stop_token&) {
-            service->undo(id, roots);
+        [id = *id, roots = folders_.pathsInPlace(), service = service_](const std::stop_token&) {
+            service->undo(id, roots());
         },
         [this](const Outcome<std::monostate>& outcome) {
             isExecuting_ = false;

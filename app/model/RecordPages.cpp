@@ -2,7 +2,34 @@
 
 #include "app/lists/QtConversions.h"
 
+#include <array>
+
 namespace tovi {
+namespace {
+
+constexpr std::array columns{
+    std::pair{FileColumn::modified, "modified"}, std::pair{FileColumn::name, "name"},
+    std::pair{FileColumn::folder, "folder"}, std::pair{FileColumn::kind, "kind"},
+    std::pair{FileColumn::size, "size"}};
+
+} // namespace
+
+QString RecordPages::sortColumn() const {
+    for (const auto& [column, name] : columns) {
+        if (column == order_.column) return QString::fromLatin1(name);
+    }
+    return {};
+}
+
+void RecordPages::sortBy(const QString& column) {
+    for (const auto& [known, name] : columns) {
+        if (column != QLatin1String(name)) continue;
+        const bool isGreatestFirst = known == FileColumn::modified || known == FileColumn::size;
+        order_ = {known, known == order_.column ? !order_.isDescending : isGreatestFirst};
+    }
+    Q_EMIT changed();
+    if (makeQuery_) load(pageSize);
+}
 
 void RecordPages::show(MakeQuery query) {
     makeQuery_ = std::move(query);
@@ -23,8 +50,10 @@ void RecordPages::load(std::int64_t limit) {
     isLoadingMore_ = false;
     runLatest(
         context_.executor, this, generation_,
-        [makeQuery = makeQuery_, limit, index = context_.index](const std::stop_token& stop) {
+        [makeQuery = makeQuery_, order = order_, limit,
+         index = context_.index](const std::stop_token& stop) {
             Page page{makeQuery(), {}};
+            page.query.order = order;
             page.files =
                 index->reader.search(page.query, limit, 0, IndexStore::Content::leftOut, stop);
             return page;
@@ -34,6 +63,9 @@ void RecordPages::load(std::int64_t limit) {
                 Q_EMIT failed(toQt(outcome.error));
                 return;
             }
+            // Files in another order are other rows; telling the difference would be the longer
+            // way.
+            if (query_ && query_->order != outcome.value->query.order) list_.replace({});
             query_ = std::move(outcome.value->query);
             nextOffset_ = static_cast<std::int64_t>(outcome.value->files.size());
             hasMore_ = nextOffset_ == limit;

@@ -8,8 +8,8 @@
 
 namespace tovi {
 
-/// Files of the index that match a query, loaded page by page, newest first. Only what was asked
-/// for last is shown.
+/// Files of the index that match a query, loaded page by page. Only what was asked for last is
+/// shown.
 class RecordPages : public QObject {
     Q_OBJECT
 
@@ -31,6 +31,12 @@ class RecordPages : public QObject {
     int revision() const { return revision_; }
     bool hasMore() const { return hasMore_; }
     bool isLoadingMore() const { return isLoadingMore_; }
+
+    /// "modified", "name", "folder", "kind" or "size"; the latest modified first by default.
+    QString sortColumn() const;
+    bool isSortDescending() const { return order_.isDescending; }
+    /// The other way round if it is sorted by the column already.
+    void sortBy(const QString& column);
 
     /// Loads the first page.
     void show(MakeQuery query);
@@ -55,6 +61,7 @@ class RecordPages : public QObject {
     RecordList list_;
     MakeQuery makeQuery_;
     std::optional<SearchQuery> query_;
+    FileOrder order_;
     std::int64_t nextOffset_ = 0;
     int revision_ = 0;
     bool hasMore_ = false;

@@ -13,14 +13,13 @@ constexpr double refreshInterval = 3.0;  // seconds
 constexpr const char* pausedStatus = "Indexing paused · existing results remain searchable";
 
 /// The available roots, those that were just connected first.
-std::vector<std::string> scanOrder(const std::vector<FolderGrant>& roots,
+std::vector<FolderGrant> scanOrder(const std::vector<FolderGrant>& roots,
                                    const std::vector<std::string>& preferred) {
-    std::vector<std::string> order;
-    for (const FolderGrant& root : roots) {
-        if (root.available) order.push_back(root.path);
-    }
-    std::stable_partition(order.begin(), order.end(), [&](const std::string& path) {
-        return std::find(preferred.begin(), preferred.end(), path) != preferred.end();
+    std::vector<FolderGrant> order;
+    std::copy_if(roots.begin(), roots.end(), std::back_inserter(order),
+                 [](const FolderGrant& root) { return root.available; });
+    std::stable_partition(order.begin(), order.end(), [&](const FolderGrant& root) {
+        return std::find(preferred.begin(), preferred.end(), root.path) != preferred.end();
     });
     return order;
 }
@@ -35,13 +34,11 @@ QStringList linesOf(const std::vector<std::string>& issues) {
 } // namespace
 
 ScanModel::ScanModel(ModelContext& context, FoldersModel& folders, const SettingsModel& settings,
-                     const FileIndexer& indexer, platform::Bookmarks& bookmarks,
-                     double automaticRescanInterval)
+                     const FileIndexer& indexer, double automaticRescanInterval)
     : context_(context),
       folders_(folders),
       settings_(settings),
       indexer_(indexer),
-      bookmarks_(bookmarks),
       automaticRescanInterval_(std::max(automaticRescanInterval, 0.0)) {}
 
 ScanModel::~ScanModel() {
@@ -77,8 +74,8 @@ void ScanModel::rescan() {
     const std::vector<FolderGrant> roots = folders_.roots();
     runInBackground(
         context_.executor, this, stop_.get_token(),
-        [roots, index = context_.index, &bookmarks = bookmarks_](const std::stop_token& stop) {
-            return checkRoots(roots, &index->store, bookmarks, stop);
+        [roots, index = context_.index, access = folders_.access()](const std::stop_token& stop) {
+            return checkRoots(roots, &index->store, *access, stop);
         },
         [this, roots](const Outcome<std::vector<FolderGrant>>& outcome) {
             if (!outcome) return ended({std::nullopt, outcome.error, outcome.isCancelled});
@@ -105,10 +102,10 @@ void ScanModel::scanRoots(const std::vector<FolderGrant>& roots) {
                                 settings_.developerMode()};
     runInBackground(
         context_.executor, this, stop_.get_token(),
-        [settings, progress, index = context_.index,
+        [settings, progress, index = context_.index, access = folders_.access(),
          &indexer = indexer_](const std::stop_token& stop) {
             return runScan(
-                settings, indexer, index->store,
+                settings, *access, indexer, index->store,
                 [&](PublishedProgress step) { progress.set(std::move(step)); }, stop);
         },
         [this](const Outcome<ScanOutcome>& outcome) { ended(outcome); });

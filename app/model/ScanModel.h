@@ -23,8 +23,7 @@ class ScanModel : public QObject {
     /// `automaticRescanInterval`, in seconds, lies between the starts of two automatic scans; a
     /// negative one is taken as 0.
     ScanModel(ModelContext& context, FoldersModel& folders, const SettingsModel& settings,
-              const FileIndexer& indexer, platform::Bookmarks& bookmarks,
-              double automaticRescanInterval);
+              const FileIndexer& indexer, double automaticRescanInterval);
     ~ScanModel() override;
 
     bool isIndexing() const { return isIndexing_; }
@@ -80,7 +79,6 @@ class ScanModel : public QObject {
     FoldersModel& folders_;
     const SettingsModel& settings_;
     const FileIndexer& indexer_;
-    platform::Bookmarks& bookmarks_;
     const double automaticRescanInterval_;
 
     bool isIndexing_ = false;

@@ -6,11 +6,11 @@
 namespace tovi {
 
 std::vector<FolderGrant> checkRoots(const std::vector<FolderGrant>& roots, IndexStore* store,
-                                    platform::Bookmarks& bookmarks, const std::stop_token& stop) {
+                                    FolderAccess& access, const std::stop_token& stop) {
     std::vector<FolderGrant> checked;
     for (const FolderGrant& root : roots) {
         throwIfCancelled(stop);
-        checked.push_back(checkedGrant(root, bookmarks));
+        checked.push_back(access.checked(root));
         const std::string& path = checked.back().path;
         if (store != nullptr && path != root.path) store->moveRoot(root.path, path);
     }
@@ -21,12 +21,17 @@ std::string unavailableFolder(const std::string& path) {
     return "Unavailable folder: " + path + ". Previous index retained.";
 }
 
-ScanOutcome runScan(const ScanSettings& settings, const FileIndexer& indexer, IndexStore& store,
-                    const std::function<void(PublishedProgress)>& progress,
+ScanOutcome runScan(const ScanSettings& settings, FolderAccess& access, const FileIndexer& indexer,
+                    IndexStore& store, const std::function<void(PublishedProgress)>& progress,
                     const std::stop_token& stop) {
     ScanOutcome outcome;
-    for (const std::string& root : settings.roots) {
+    for (const FolderGrant& grant : settings.roots) {
         throwIfCancelled(stop);
+        const std::string& root = grant.path;
+        if (access.pathsInPlace({grant}).empty()) { // it went while others were scanned
+            outcome.unavailable.push_back(unavailableFolder(root));
+            continue;
+        }
         try {
             const ScanReport report = indexer.scan(
                 root, store, settings.exclusions, settings.includeCode,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/model/FolderGrants.h"
+#include "app/model/FolderAccess.h"
 #include "app/model/IndexConnections.h"
 
 #include <cstdint>
@@ -14,10 +14,10 @@ namespace tovi {
 /// The connected folders as the disk has them; rows of a folder that was renamed move along in
 /// the index, if there is one. Blocks.
 std::vector<FolderGrant> checkRoots(const std::vector<FolderGrant>& roots, IndexStore* store,
-                                    platform::Bookmarks& bookmarks, const std::stop_token& stop);
+                                    FolderAccess& access, const std::stop_token& stop);
 
 struct ScanSettings {
-    std::vector<std::string> roots; // in the order in which they are scanned
+    std::vector<FolderGrant> roots; // in the order in which they are scanned
     std::vector<std::string> exclusions;
     bool includeCode = false;
 };
@@ -36,9 +36,10 @@ struct ScanOutcome {
 
 std::string unavailableFolder(const std::string& path);
 
-/// Scans the roots one after the other. Blocks. Throws the store's errors and `Cancelled`.
-ScanOutcome runScan(const ScanSettings& settings, const FileIndexer& indexer, IndexStore& store,
-                    const std::function<void(PublishedProgress)>& progress,
+/// Scans the roots one after the other, those that are not in place by then left out. Blocks.
+/// Throws the store's errors and `Cancelled`.
+ScanOutcome runScan(const ScanSettings& settings, FolderAccess& access, const FileIndexer& indexer,
+                    IndexStore& store, const std::function<void(PublishedProgress)>& progress,
                     const std::stop_token& stop);
 
 } // namespace tovi

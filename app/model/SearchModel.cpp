@@ -26,6 +26,10 @@ QString SearchModel::activeSearchText() const {
     return pages_.query() ? shownText_ : QString();
 }
 
+QString SearchModel::searchedWords() const {
+    return pages_.query() ? toQt(pages_.query()->text) : QString();
+}
+
 QStringList SearchModel::chips() const {
     QStringList chips;
     if (!pages_.query()) return chips;

@@ -15,7 +15,10 @@ class SearchModel : public QObject {
     Q_PROPERTY(bool hasMoreSearchResults READ hasMoreSearchResults NOTIFY resultsChanged)
     Q_PROPERTY(
         bool isLoadingMoreSearchResults READ isLoadingMoreSearchResults NOTIFY resultsChanged)
+    Q_PROPERTY(QString sortColumn READ sortColumn NOTIFY resultsChanged)
+    Q_PROPERTY(bool isSortDescending READ isSortDescending NOTIFY resultsChanged)
     Q_PROPERTY(QString activeSearchText READ activeSearchText NOTIFY resultsChanged)
+    Q_PROPERTY(QString searchedWords READ searchedWords NOTIFY resultsChanged)
     Q_PROPERTY(QStringList chips READ chips NOTIFY resultsChanged)
     Q_PROPERTY(double searchSeconds READ searchSeconds NOTIFY resultsChanged)
 
@@ -31,10 +34,15 @@ class SearchModel : public QObject {
     int resultsRevision() const { return pages_.revision(); }
     bool hasMoreSearchResults() const { return pages_.hasMore(); }
     bool isLoadingMoreSearchResults() const { return pages_.isLoadingMore(); }
+    QString sortColumn() const { return pages_.sortColumn(); }
+    bool isSortDescending() const { return pages_.isSortDescending(); }
+    Q_INVOKABLE void sortBy(const QString& column) { pages_.sortBy(column); }
 
     /// The phrase whose results are shown, and how it was understood; empty while a search runs.
     QString activeSearchText() const;
     QStringList chips() const;
+    /// What of the phrase is looked for in names and texts.
+    QString searchedWords() const;
     /// From the search's start to its first page.
     double searchSeconds() const { return searchSeconds_; }
 

@@ -261,7 +261,7 @@ void VaultModel::exportItem(const QString& id) {
         {"Export decrypted copy",
          "Choose where to save a readable copy. This copy will not need your vault password. "
          "Existing files are never replaced.",
-         item.name, "vault-export-filename"},
+         item.name, "vault-export-filename", item.size},
         [self = QPointer<VaultModel>(this), panel = openPanel(),
          id = item.id](const std::optional<VaultPanels::Destination>& destination) {
             if (!self || !self->closePanel(panel) || !destination) return;

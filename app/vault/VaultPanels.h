@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,6 +20,7 @@ class VaultPanels {
         std::string message;
         std::string name; // proposed
         std::string nameIdentifier;
+        std::int64_t size = 0; // bytes of the file
     };
     struct Destination {
         std::string folder; // absolute

@@ -1,3 +1,5 @@
+#include "app/cleanup/CleanupSearch.h"
+#include "app/model/FolderAccess.h"
 #include "app/model/FollowInIndex.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
@@ -13,6 +15,7 @@
 #include <map>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace tovi::cli {
 namespace {
@@ -29,51 +32,75 @@ struct CleanupArguments {
     std::string confirmation;
 };
 
-/// The cleanup of one folder, which naming it approves, with the system's Trash and the data
-/// directory's journal.
+/// The cleanup of the connected folders, or of one folder, which naming it approves, with the
+/// system's Trash and the data directory's journal.
 class Cleanup {
   public:
     Cleanup(const std::string& folder, const Context& context)
-        : request_{.root = folder.empty() ? platform::homeDirectory() : absolutePath(folder),
-                   .folders = {platform::homeDirectory(), platform::cacheHome()},
-                   .excludedPaths = {context.dataDirectory, platform::dataHome() + "/Trash"},
-                   .now = Date::now()},
+        : search_{.connected = {},
+                  .folder = {},
+                  .folders = {platform::homeDirectory(), platform::cacheHome()},
+                  .excludedPaths = {context.dataDirectory, platform::dataHome() + "/Trash"},
+                  .now = Date::now()},
           metadata_(platform::dataHome()),
           trash_(platform::dataHome(), Date::now) {
+        if (folder.empty()) {
+            search_.connected =
+                FolderAccess(bookmarks_).pathsInPlace(context.readPreferences().roots);
+        } else {
+            search_.connected = {absolutePath(folder)};
+        }
         if (const auto downloads = platform::downloadsDirectory()) {
-            request_.folders.downloads.push_back(*downloads);
+            search_.folders.downloads.push_back(*downloads);
         }
     }
 
     CleanupReport scan(const Context& context) const {
         ProgressLine line(0, "entries", !context.json);
-        const auto show = [&](const CleanupProgress& progress) {
+        const auto show = [&](const CleanupSearchProgress& progress) {
             line.show(progress.entries, progress.path);
         };
-        return CleanupScanner(metadata_, availability_).scan(request_, show, context.stop);
+        throwIfNoneIsConnected();
+        CleanupFindings findings =
+            searchForCleanup(search_, CleanupScanner(metadata_, availability_), show, context.stop);
+        std::vector<CleanupCandidate>& all = findings.report.candidates;
+        for (auto& ofCategory : findings.candidates)
+            std::move(ofCategory.begin(), ofCategory.end(), std::back_inserter(all));
+        std::stable_sort(all.begin(), all.end(), [](const auto& left, const auto& right) {
+            return left.size > right.size;
+        });
+        return std::move(findings.report);
     }
 
     CleanupCandidate candidateAt(const std::string& path, const std::stop_token& stop) const {
-        const CleanupContext surroundings(request_.root, request_.folders, request_.excludedPaths,
-                                          metadata_, availability_);
+        throwIfNoneIsConnected();
         const std::string resolved = resolvedFolders(absolutePath(path)).value_or(path);
-        auto candidate = CleanupPolicy(surroundings, request_.now).candidateAt(resolved, stop);
-        if (candidate) return std::move(*candidate);
-        throw std::runtime_error(
-            fmt::format("This is not among what cleanup proposes in {}: {}", request_.root, path));
+        for (const std::string& root : search_.connected) {
+            const CleanupContext surroundings(root, search_.folders, search_.excludedPaths,
+                                              metadata_, availability_);
+            auto candidate = CleanupPolicy(surroundings, search_.now).candidateAt(resolved, stop);
+            if (candidate) return std::move(*candidate);
+        }
+        throw std::runtime_error(fmt::format("This is not among what cleanup proposes in {}: {}",
+                                             fmt::join(search_.connected, ", "), path));
     }
 
     CleanupTrashService makeService(const Context& context) {
         return CleanupTrashService(
-            context.dataDirectory + "/cleanup-actions.json", request_.folders,
-            request_.excludedPaths,
+            context.dataDirectory + "/cleanup-actions.json", search_.folders, search_.excludedPaths,
             {trash_, move_, bookmarks_, availability_, programs_, metadata_, Date::now});
     }
 
-    std::vector<std::string> roots() const { return {request_.root}; }
+    const std::vector<std::string>& roots() const { return search_.connected; }
 
   private:
-    CleanupScan request_;
+    void throwIfNoneIsConnected() const {
+        if (!search_.connected.empty()) return;
+        throw std::runtime_error("No connected folder is available. Name a folder, or connect one: "
+                                 "tovictl folders add FOLDER");
+    }
+
+    CleanupSearch search_;
     CleanupDiscoveryMetadata metadata_;
     platform::SystemTrash trash_;
     platform::SystemExclusiveMove move_;
@@ -209,7 +236,8 @@ void addScan(CLI::App& cleanup, Context& context) {
     CLI::App* command =
         cleanup.add_subcommand("scan", "List what may be cleaned up; nothing is changed");
     const auto arguments = std::make_shared<CleanupArguments>();
-    command->add_option("folder", arguments->folder, "Where to look (default: your home folder)");
+    command->add_option("folder", arguments->folder,
+                        "Where to look (default: the connected folders)");
     addCategory(*command, arguments->category, "List all of one category");
     command->callback([arguments, &context] { scanAndPrint(*arguments, context); });
 }
@@ -222,7 +250,7 @@ void addTrash(CLI::App& cleanup, Context& context) {
     addCategory(*command, arguments->category, "The 200 largest items of one category");
     command->get_option("--category")->excludes(command->get_option("path"));
     command->add_option("--folder", arguments->folder,
-                        "The folder that was scanned (default: your home folder)");
+                        "The folder that was scanned (default: the connected folders)");
     addConfirmation(*command, arguments->confirmation);
     command->callback([arguments, &context] { trash(*arguments, context); });
 }

@@ -79,13 +79,13 @@ class Scan final : public platform::WalkVisitor {
         : context_(context), root_(root), queue_(queue), known_(root) {}
 
     ScanReport run() {
+        openRoot();
         context_.store.adoptRows(root_);
         context_.store.forEachScanRecord(
             root_, [this](const IndexScanRecord& record) { known_.add(record); });
         for (const std::string& other : context_.store.roots()) {
             if (other != root_ && isSameOrBelow(other, root_)) innerRoots_.push_back(other);
         }
-        openRoot();
         try {
             platform::walkDirectory(root_, *this, context_.stop);
         } catch (const std::system_error& error) {
@@ -97,6 +97,7 @@ class Scan final : public platform::WalkVisitor {
         for (FileToRead& file : failedBefore_)
             read(std::move(file));
         storeAll();
+        throwIfRootIsAnother();
         removeMissing();
         phase_ = "Finished";
         advance(root_);
@@ -151,6 +152,18 @@ class Scan final : public platform::WalkVisitor {
             ::open(root_.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         if (!directory.isOpen()) throw IntelligenceError::inaccessible(systemError(root_).what());
         directory_ = std::make_shared<const FileDescriptor>(std::move(directory));
+    }
+
+    /// What was not met in the empty directory below a disk that went meanwhile is not gone.
+    void throwIfRootIsAnother() const {
+        try {
+            const platform::FileAttributes before = platform::attributesOf(*directory_, root_);
+            const platform::FileAttributes now = platform::attributesOf(root_);
+            if (now.inode == before.inode && now.device == before.device) return;
+        } catch (const std::system_error& error) {
+            throw IntelligenceError::inaccessible(error.what());
+        }
+        throw IntelligenceError::inaccessible(root_ + ": Is another folder than at the start");
     }
 
     IgnoreRules readIgnoreFile(const platform::WalkDirectory& directory) const {

@@ -52,8 +52,9 @@ class FileIndexer {
     /// `exclusions` is the user's skip list. Without `includeCodeContent` files of kind `code`
     /// are recorded without their text. `progress` is called once a file on this thread.
     ///
-    /// Throws `IntelligenceError::inaccessible` for a folder that cannot be scanned, the store's
-    /// errors as they come, and `Cancelled`; what was stored before stays.
+    /// Throws `IntelligenceError::inaccessible` for a folder that cannot be scanned, or is not the
+    /// one at the path any more when the scan ends, the store's errors as they come, and
+    /// `Cancelled`; what was stored before stays.
     ScanReport scan(const std::string& root, IndexStore& store,
                     const std::vector<std::string>& exclusions, bool includeCodeContent,
                     const Progress& progress, const std::stop_token& stop) const;

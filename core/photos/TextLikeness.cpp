@@ -59,8 +59,8 @@ Overview overviewOf(const DecodedPicture& picture) {
             red += pixel.red;
             ++all.pixels;
         });
-    all.blue = static_cast<int>(blue / all.pixels);
-    all.red = static_cast<int>(red / all.pixels);
+    all.blue = static_cast<int>(blue / std::max(all.pixels, 1));
+    all.red = static_cast<int>(red / std::max(all.pixels, 1));
     return all;
 }
 

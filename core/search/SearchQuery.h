@@ -10,7 +10,17 @@
 
 namespace tovi {
 
-/// A search: filters and the free text that is left.
+enum class FileColumn { modified, name, folder, kind, size };
+
+/// By what files are listed. Equal ones stand by name or path.
+struct FileOrder {
+    FileColumn column = FileColumn::modified;
+    bool isDescending = true;
+
+    friend bool operator==(const FileOrder&, const FileOrder&) = default;
+};
+
+/// A search: filters, the free text that is left, and the order of what is found.
 struct SearchQuery {
     std::string text; // words separated by single spaces; may be empty
     std::optional<FileKind> kind;
@@ -20,6 +30,7 @@ struct SearchQuery {
     std::optional<std::string> source;       // a host name or a word of a stored address
     std::vector<std::string> chips;          // how the phrase was understood, in order
     bool screenshotsOnly = false;
+    FileOrder order;
 
     friend bool operator==(const SearchQuery&, const SearchQuery&) = default;
 };

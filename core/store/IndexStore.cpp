@@ -171,7 +171,8 @@ std::vector<FileRecord> IndexStore::search(const SearchQuery& query, std::int64_
         if (splitWhitespace(query.text).empty()) return page({}, {});
 
         const WordJudge judge(*db_, query.text);
-        if (Look look{judge, Look::patience(judge, limit)}; look.remaining > 0) {
+        const bool isListing = query.order == FileOrder{};
+        if (Look look{judge, isListing ? Look::patience(judge, limit) : 0}; look.remaining > 0) {
             try {
                 return page(textClause(look, query.text), {});
             } catch (const IntelligenceError&) {

@@ -53,8 +53,8 @@ class IndexStore {
     /// All files, newest first, ties by path.
     std::vector<FileRecord> allFiles(const std::stop_token& stop = {});
 
-    /// One page, newest first, ties by path; `limit` is taken as 1 to 100,000, `offset` as 0 or
-    /// more. With `leftOut` the records' `content` is empty and the texts are not read.
+    /// One page in the order of the query, ties by path; `limit` is taken as 1 to 100,000, `offset`
+    /// as 0 or more. With `leftOut` the records' `content` is empty and the texts are not read.
     std::vector<FileRecord> search(const SearchQuery& query, std::int64_t limit,
                                    std::int64_t offset, Content content = Content::included,
                                    const std::stop_token& stop = {});

@@ -8,6 +8,28 @@
 #include <fmt/ranges.h>
 
 namespace tovi {
+namespace {
+
+std::string orderTerms(const FileOrder& order) {
+    const char* direction = order.isDescending ? "DESC" : "ASC";
+    switch (order.column) {
+    case FileColumn::name:
+        return fmt::format("name COLLATE NOCASE {}, path ASC", direction);
+    case FileColumn::folder:
+        return fmt::format("substr(path, 1, length(path) - length(name)) COLLATE NOCASE {}, "
+                           "name COLLATE NOCASE ASC, path ASC",
+                           direction);
+    case FileColumn::kind:
+        return fmt::format("kind {}, name COLLATE NOCASE ASC, path ASC", direction);
+    case FileColumn::size:
+        return fmt::format("size {}, path ASC", direction);
+    case FileColumn::modified:
+        break;
+    }
+    return fmt::format("modified {}, path ASC", direction);
+}
+
+} // namespace
 
 SearchClause textClause(const TextMatches& matches, const std::string& text) {
     return {"coalesce(tovi_text_match(?, files.rowid), name LIKE ? ESCAPE '\\')",
@@ -29,7 +51,10 @@ SearchClause searchStatement(const SearchQuery& query, const std::optional<Searc
         result.values.insert(result.values.end(), values.begin(), values.end());
     };
 
-    result.sql = "SELECT * FROM files";
+    // In the order of the listing the rows of the page are met one after the other. Any other order
+    // sorts all that match, so only their numbers are.
+    const bool isListing = query.order == FileOrder{};
+    result.sql = isListing ? "SELECT * FROM files" : "SELECT files.rowid AS found FROM files";
     if (rows) {
         result.sql += " NOT INDEXED"; // the rows are looked up, then sorted
         add("files.rowid IN (SELECT value FROM json_each(?))",
@@ -54,7 +79,13 @@ SearchClause searchStatement(const SearchQuery& query, const std::optional<Searc
     }
 
     if (!clauses.empty()) result.sql += fmt::format(" WHERE {}", fmt::join(clauses, " AND "));
-    result.sql += " ORDER BY modified DESC, path ASC LIMIT ? OFFSET ?";
+    const std::string order = orderTerms(query.order);
+    result.sql += fmt::format(" ORDER BY {} LIMIT ? OFFSET ?", order);
+    if (!isListing) {
+        result.sql = fmt::format("SELECT files.* FROM ({}) CROSS JOIN files ON files.rowid = found "
+                                 "ORDER BY {}",
+                                 result.sql, order);
+    }
     result.values.emplace_back(std::clamp<std::int64_t>(limit, 1, 100'000));
     result.values.emplace_back(std::max<std::int64_t>(offset, 0));
     return result;

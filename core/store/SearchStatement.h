@@ -24,7 +24,7 @@ struct SearchClause {
 SearchClause textClause(const TextMatches& matches, const std::string& text);
 SearchClause textClause(Look& look, const std::string& text);
 
-/// One page of search results, newest first, ties by path. `limit` is taken as 1 to 100,000,
+/// One page of search results in the order of the query. `limit` is taken as 1 to 100,000,
 /// `offset` as 0 or more. `text` is absent where the query has no word. With `rows` only these are
 /// looked up.
 SearchClause searchStatement(const SearchQuery& query, const std::optional<SearchClause>& text,

@@ -39,9 +39,9 @@ FileAttributes read(int directory, const char* name, int flags, const std::strin
     result.modified = timeOf(found.stx_mtime);
     result.changed = timeOf(found.stx_ctime);
     result.modifiedAt = Date::fromTimespec(result.modified);
-    result.createdAt = (found.stx_mask & STATX_BTIME) != 0
-                           ? Date::fromTimespec(timeOf(found.stx_btime))
-                           : result.modifiedAt;
+    result.hasBirthTime = (found.stx_mask & STATX_BTIME) != 0;
+    result.createdAt =
+        result.hasBirthTime ? Date::fromTimespec(timeOf(found.stx_btime)) : result.modifiedAt;
     result.inode = found.stx_ino;
     result.linkCount = found.stx_nlink;
     result.device = makedev(found.stx_dev_major, found.stx_dev_minor);

@@ -52,10 +52,35 @@ std::optional<Identity> decode(const std::string& bookmark) {
     }
 }
 
+struct Handle {
+    int type = 0;
+    std::vector<std::uint8_t> bytes;
+};
+
+std::optional<Handle> handleOf(const DirectoryEntry& item) {
+    HandleBuffer buffer;
+    buffer.get()->handle_bytes = MAX_HANDLE_SZ;
+    int mount = 0;
+    if (::name_to_handle_at(item.directory().get(), item.name(), buffer.get(), &mount, 0) != 0) {
+        return std::nullopt;
+    }
+    const auto* bytes = buffer.get()->f_handle;
+    return Handle{buffer.get()->handle_type, {bytes, bytes + buffer.get()->handle_bytes}};
+}
+
+/// Whether an inode number that is the same is that of the same file: it may have been given to
+/// another one since. The birth time tells, else the handle, which counts how often it was given.
+bool isSameLife(const Identity& identity, const DirectoryEntry& entry,
+                const FileAttributes& found) {
+    if (found.hasBirthTime) return isSameFileDate(found.createdAt, identity.createdAt);
+    if (!identity.handleType) return true;
+    const auto handle = handleOf(entry);
+    return !handle || (handle->type == *identity.handleType && handle->bytes == identity.handle);
+}
+
 bool isTheFile(const Identity& identity, const DirectoryEntry& entry) {
     const auto found = entry.attributes();
-    return found && found->inode == identity.inode &&
-           isSameFileDate(found->createdAt, identity.createdAt) &&
+    return found && found->inode == identity.inode && isSameLife(identity, entry, *found) &&
            volumeNumber(entry.directory(), entry.path()) == identity.volume;
 }
 
@@ -120,13 +145,9 @@ std::string SystemBookmarks::create(const DirectoryEntry& item) {
     json["createdAt"] = attributes->createdAt.seconds;
     // A directory's links are its own "." and those of the directories in it.
     json["hasOtherNames"] = attributes->type != FileType::directory && attributes->linkCount > 1;
-    HandleBuffer buffer;
-    buffer.get()->handle_bytes = MAX_HANDLE_SZ;
-    int mount = 0;
-    if (::name_to_handle_at(item.directory().get(), item.name(), buffer.get(), &mount, 0) == 0) {
-        json["handleType"] = buffer.get()->handle_type;
-        json["handle"] = std::vector<std::uint8_t>(
-            buffer.get()->f_handle, buffer.get()->f_handle + buffer.get()->handle_bytes);
+    if (const auto handle = handleOf(item)) {
+        json["handleType"] = handle->type;
+        json["handle"] = handle->bytes;
     }
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

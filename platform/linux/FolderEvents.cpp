@@ -37,7 +37,7 @@ FileDescriptor openDirectory(const std::string& path) {
 
 struct Root {
     FolderFreshness freshness;
-    std::vector<std::string> mounts;
+    std::vector<Mount> mounts;
     std::optional<Clock::time_point> nextTry;
     bool isWhole = false;  // every folder below is watched
     std::string refusal{}; // of the first that could not be, a sentence
@@ -348,7 +348,7 @@ class SystemFolderEvents final : public FolderEvents {
 
     void checkMounts(const std::stop_token& stop) {
         for (Root& root : roots_) {
-            if (root.mounts == mounts_.around(root.path())) continue;
+            if (root.mounts == MountTable::around(root.path())) continue;
             events_.push_back({FolderEvent::Kind::mountsChanged, root.path()});
             attach(root, std::nullopt, stop);
         }
@@ -401,7 +401,7 @@ void SystemFolderEvents::walk(Root& root, const std::string& path, std::optional
 
 void SystemFolderEvents::attach(Root& root, std::optional<Date> began,
                                 const std::stop_token& stop) {
-    root.mounts = mounts_.around(root.path());
+    root.mounts = MountTable::around(root.path());
     root.nextTry.reset();
     root.isWhole = true;
     markAncestors(root.path());

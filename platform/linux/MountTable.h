@@ -1,13 +1,14 @@
 #pragma once
 
 #include "base/FileDescriptor.h"
+#include "platform/Mounts.h"
 
 #include <string>
 #include <vector>
 
 namespace tovi::platform {
 
-/// The mounted file systems as this process sees them.
+/// Tells when what is mounted, as this process sees it, has changed.
 class MountTable {
   public:
     MountTable();
@@ -16,7 +17,7 @@ class MountTable {
     int descriptor() const { return changes_.get(); }
 
     /// What is mounted at, above or below an absolute path, in the order of mounting.
-    std::vector<std::string> around(const std::string& path) const;
+    static std::vector<Mount> around(const std::string& path);
 
   private:
     FileDescriptor changes_;

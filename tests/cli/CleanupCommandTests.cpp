@@ -74,6 +74,14 @@ TEST_F(CleanupCommandTest, ScansMovesListsAndTakesBack) {
     tree.write("setup.dmg", "1");
     tree.setModified("setup.dmg", 1'600'000'000);
     tree.write("note.txt", "1");
+    EXPECT_THAT(run({"cleanup", "scan"}).errors, HasSubstr("No connected folder is available."));
+    tree.write("other/setup.dmg", "1");
+    tree.setModified("other/setup.dmg", 1'600'000'000);
+    ASSERT_EQ(run({"folders", "add", tree.path("other")}).exitCode, 0);
+    EXPECT_EQ(json({"cleanup", "scan"}, 0)["candidates"].size(), 1U);
+    EXPECT_EQ(json({"cleanup", "scan", tree.path()}, 0)["candidates"].size(), 3U);
+    fs::remove(tree.path("other/setup.dmg"));
+    ASSERT_EQ(run({"folders", "add", tree.path()}).exitCode, 0);
     ASSERT_EQ(run({"index", tree.path()}).exitCode, 0);
     EXPECT_EQ(json({"search", "setup"}, 0)["files"].size(), 1U);
     const Json report = json({"cleanup", "scan"}, 0);

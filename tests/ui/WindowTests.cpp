@@ -4,6 +4,8 @@
 
 #include <QAccessible>
 #include <QFile>
+#include <QImage>
+#include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -16,6 +18,7 @@ namespace tovi {
 namespace {
 
 using test::uiProcess;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 QStringList& warnings() {
@@ -118,6 +121,23 @@ class Window : public testing::Test {
                     each->text(QAccessible::Description))
                 .contains(text);
         });
+    }
+
+    /// What is told by this name; null with a failed test if there is none.
+    QAccessibleInterface* find(const QString& name) {
+        for (QAccessibleInterface* each : told()) {
+            if (nameOf(each) == name) return each;
+        }
+        ADD_FAILURE() << "not there: " << name.toStdString();
+        return nullptr;
+    }
+
+    bool waitUntilTold(const QString& text) {
+        return QTest::qWaitFor([&] { return isTold(text); }, 20'000);
+    }
+
+    bool waitForFocus(const QString& name) {
+        return QTest::qWaitFor([&] { return focused() == name; });
     }
 
     /// Tabs until the control has the keyboard.
@@ -230,7 +250,6 @@ TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
     EXPECT_EQ(test::readFile(opened), lease + "\nonline");
     EXPECT_FALSE(platform::canMakeInternetSocket());
 
-    key(Qt::Key_Space);
     key(Qt::Key_Delete);
     ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }))
         << focused().toStdString() << model().notices()->errorMessage().toStdString();
@@ -250,6 +269,96 @@ TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
     key(Qt::Key_Z, Qt::ControlModifier);
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(lease); }))
         << focused().toStdString() << model().notices()->errorMessage().toStdString();
+}
+
+TEST_F(Window, SortsPreviewsAndDragsFiles) {
+    files_.write("home/a long.txt", std::string(900, 'x') + " the notice period");
+    const std::string odd = files_.write("home/b & c.txt", "the notice");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(2);
+    tabTo(QStringLiteral("Size"));
+    for (const auto& [order, first] :
+         {std::pair("sorted, descending", "a long.txt"), {"sorted, ascending", "b & c.txt"}}) {
+        key(Qt::Key_Space);
+        ASSERT_TRUE(waitUntilTold(QString::fromLatin1(order)));
+        const RowListModel* files = model().library()->files();
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return files->value(0, QStringLiteral("name")) == QLatin1String(first); }));
+    }
+    tabTo(QStringLiteral("b & c.txt"));
+
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Preview of b & c.txt")));
+    key(Qt::Key_Down);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Preview of a long.txt")));
+    EXPECT_TRUE(waitUntilTold(QStringLiteral("the notice period")));
+    key(Qt::Key_Escape);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("a long.txt")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Preview of")); }));
+
+    const QPoint from = window()->mapFromGlobal(find(QStringLiteral("b & c.txt"))->rect().center());
+    QTest::mousePress(window(), Qt::LeftButton, {}, from);
+    for (int step = 1; step < 6; ++step)
+        QTest::mouseMove(window(), from + QPoint(8 * step, 2 * step));
+    QTest::mouseRelease(window(), Qt::LeftButton, {}, from);
+    EXPECT_THAT(model().selection()->selectedIDs(), ElementsAre(QString::fromStdString(odd)));
+    QObject* row = find(QStringLiteral("b & c.txt"))->object();
+    const QQmlProperty data(row, QStringLiteral("Drag.mimeData"), qmlContext(row));
+    const QString address = data.read().toMap().value(QStringLiteral("text/uri-list")).toString();
+    EXPECT_EQ(QUrl(address).toLocalFile().toStdString(), odd) << address.toStdString();
+}
+
+TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {
+    files_.write("home/lease.txt", "The notice period is three months. Rent is due on the first.");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(1);
+    key(Qt::Key_F, Qt::ControlModifier);
+    type(QStringLiteral("notice"));
+    EXPECT_TRUE(waitUntilTold(QStringLiteral("The notice period is three months.")));
+    tabTo(QStringLiteral("Ask"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Ask your files")));
+    type(QStringLiteral("when is the rent due"));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(waitUntilTold(QStringLiteral("1 passage from your files")));
+    EXPECT_TRUE(isTold(QStringLiteral("Rent is due on the first.")));
+    checkScreen(QStringLiteral("ask"));
+}
+
+TEST_F(Window, ComparesLookAlikesSideBySide) {
+    QImage photo(640, 480, QImage::Format_RGB32);
+    for (int y = 0; y < photo.height(); ++y) {
+        for (int x = 0; x < photo.width(); ++x)
+            photo.setPixel(x, y, qRgb(x * y % 251, (x / 40 * y / 30) % 240, y / 2));
+    }
+    files_.write("home/x.txt", "a folder");
+    photo.save(QString::fromStdString(files_.path("home/first.jpg")), "JPG", 95);
+    photo.save(QString::fromStdString(files_.path("home/second.jpg")), "JPG", 80);
+    open();
+    connectFolder(files_.path());
+    waitForFiles(3);
+    model().setSection(QStringLiteral("duplicates"));
+    tabTo(QStringLiteral("Look-alikes"));
+    key(Qt::Key_Space);
+    tabTo(QStringLiteral("Compare photos"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitUntilTold(QStringLiteral("2 photos, up to")));
+    checkScreen(QStringLiteral("look-alikes"));
+    tabTo(QStringLiteral("Compare…"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Compare photos")));
+    key(Qt::Key_Plus);
+    EXPECT_TRUE(isTold(QStringLiteral("150 %")));
+    key(Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("150 %")); }));
+    tabTo(QStringLiteral("Mark all but the kept one"));
+    key(Qt::Key_Space);
+    tabTo(QStringLiteral("Review 1 photo…"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    EXPECT_TRUE(isTold(QStringLiteral("Move 1 file to Trash")));
 }
 
 TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
@@ -294,6 +403,8 @@ TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
         return application_->vault().phase() == VaultModel::Phase::unlocked;
     };
     open();
+    connectFolder(files_.path());
+    waitForFiles(1);
     model().setSection(QStringLiteral("vault"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Meet your Vault.")); }));
     checkScreen(QStringLiteral("a new vault"));
@@ -311,10 +422,9 @@ TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
     checkScreen(QStringLiteral("an open vault"));
     tabTo(QStringLiteral("Export letter.txt"));
     key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] {
-        return window()->activeFocusItem()->objectName() == QStringLiteral("vault-export-filename");
-    }));
-    key(Qt::Key_Return);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    tabTo(QStringLiteral("Export 1 file, 10 bytes"));
+    key(Qt::Key_Space);
     const std::string copy = uiProcess().home.path("Documents/letter.txt");
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(copy); }));
     EXPECT_EQ(test::readFile(copy), "dear diary");
@@ -322,6 +432,12 @@ TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
     ASSERT_TRUE(QTest::qWaitFor([&] {
         return !application_->cleanup().isExecuting() && !isTold(QStringLiteral("Cancel"));
     }));
+    tabTo(QStringLiteral("Review 1 original…"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    EXPECT_TRUE(isTold(QStringLiteral("These originals will remain unencrypted in Trash.")));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Review 1 original…")));
     tabTo(QStringLiteral("Lock now"));
     key(Qt::Key_Space);
     ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Your vault is locked.")); }));

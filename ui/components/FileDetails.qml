@@ -19,17 +19,6 @@ Card {
         return row < 0 ? undefined : files.value(row, role)
     }
 
-    // Someone who runs through a list looks at the last of the files only.
-    Timer {
-        id: pause
-        interval: 120
-        onTriggered: Preview.show(details.row < 0 ? "" : details.path, details.phrase)
-    }
-    onPathChanged: pause.restart()
-    onRowChanged: pause.restart()
-    onPhraseChanged: pause.restart()
-    Component.onCompleted: pause.restart()
-
     Flickable {
         anchors.fill: parent
         anchors.margins: 20
@@ -132,13 +121,5 @@ Card {
                 }
             }
         }
-    }
-    EmptyState {
-        anchors.centerIn: parent
-        width: parent.width - 32
-        visible: details.row < 0
-        symbol: "doc"
-        title: qsTr("No file chosen")
-        sentence: qsTr("Choose a file to see what is known of it.")
     }
 }

@@ -11,6 +11,7 @@ Menu {
     readonly property var chosen: App.selection.selectedIDs
 
     signal renameRequested(string path)
+    signal previewRequested
 
     MenuItem {
         text: qsTr("Open")
@@ -19,6 +20,10 @@ Menu {
     MenuItem {
         text: qsTr("Show in folder")
         onTriggered: App.reveal(menu.path)
+    }
+    MenuItem {
+        text: qsTr("Preview")
+        onTriggered: menu.previewRequested()
     }
     MenuSeparator {}
     MenuItem {

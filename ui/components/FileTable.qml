@@ -17,14 +17,23 @@ FocusScope {
     /// made by `sectionTitle`.
     property string sectionRole: ""
     property var sectionTitle: section => section
-    readonly property string currentPath: list.currentIndex < 0 ? "" : pathAt(list.currentIndex)
+    /// How the rows can be sorted, as `TableHeader` wants it; null where their order is fixed.
+    property var sorter: null
+    /// What was searched for; the rows then show where it stands in the texts.
+    property string phrase: ""
+    readonly property string currentPath: list.currentItem ? list.currentItem.path : ""
+    /// The row's roles; null without one.
+    readonly property var currentFile: list.currentItem
+    readonly property int count: list.count
 
     signal moreWanted
-    signal renameRequested(string path)
 
     property int anchorRow: -1
-    readonly property bool showsFolder: width > 640
-    readonly property bool showsKind: width > 820
+    readonly property int folderWidth: width > 720 ? 200 : 0
+    readonly property int kindWidth: width > 820 ? 90 : 0
+    readonly property int dateWidth: 96
+    readonly property int sizeWidth: 76
+    readonly property int rowHeight: Theme.rowHeight + (phrase === "" ? 0 : Theme.caption + 4)
 
     function pathAt(row) {
         return files.value(row, "path") || ""
@@ -49,6 +58,22 @@ FocusScope {
             anchorRow = row
         }
         list.currentIndex = row
+    }
+    function tap(row, button, modifiers) {
+        list.forceActiveFocus()
+        if (button === Qt.RightButton) {
+            if (!isChosen(pathAt(row)))
+                choose(row, Qt.NoModifier)
+            list.currentIndex = row
+            menu.get().popup()
+        } else {
+            choose(row, modifiers)
+        }
+    }
+    /// The chosen files as other programs take them.
+    function addresses() {
+        return App.selection.selectedIDs
+            .map(path => "file://" + path.split("/").map(encodeURIComponent).join("/")).join("\r\n")
     }
     function move(by, modifiers) {
         const row = Math.max(0, Math.min(list.count - 1, list.currentIndex + by))
@@ -76,26 +101,38 @@ FocusScope {
         x: 12
         height: 30
         spacing: 12
-        Repeater {
-            model: [
-                { title: qsTr("Name"), width: -1, isShown: true },
-                { title: qsTr("Folder"), width: 200, isShown: table.showsFolder },
-                { title: qsTr("Kind"), width: 90, isShown: table.showsKind },
-                { title: table.showsDownloadDate ? qsTr("Downloaded") : qsTr("Modified"), width: 96, isShown: true },
-                { title: qsTr("Size"), width: 76, isShown: true }
-            ]
-            AppText {
-                required property var modelData
-                required property int index
-                visible: modelData.isShown
-                Layout.fillWidth: modelData.width < 0
-                Layout.preferredWidth: modelData.width
-                horizontalAlignment: index === 4 ? Text.AlignRight : Text.AlignLeft
-                text: modelData.title
-                font.pixelSize: Theme.caption
-                isSecondary: true
-                isStrong: true
-            }
+        TableHeader {
+            Layout.fillWidth: true
+            column: "name"
+            text: qsTr("Name")
+            sorter: table.sorter
+        }
+        TableHeader {
+            visible: table.folderWidth > 0
+            Layout.preferredWidth: table.folderWidth
+            column: "folder"
+            text: qsTr("Folder")
+            sorter: table.sorter
+        }
+        TableHeader {
+            visible: table.kindWidth > 0
+            Layout.preferredWidth: table.kindWidth
+            column: "kind"
+            text: qsTr("Kind")
+            sorter: table.sorter
+        }
+        TableHeader {
+            Layout.preferredWidth: table.dateWidth
+            column: "modified"
+            text: table.showsDownloadDate ? qsTr("Downloaded") : qsTr("Modified")
+            sorter: table.sorter
+        }
+        TableHeader {
+            Layout.preferredWidth: table.sizeWidth
+            column: "size"
+            text: qsTr("Size")
+            sorter: table.sorter
+            isAtEnd: true
         }
     }
     Rectangle {
@@ -136,12 +173,12 @@ FocusScope {
         }
         ScrollBar.vertical: ScrollBar {}
         onAtYEndChanged: if (atYEnd && table.hasMore && count > 0) table.moreWanted()
-        onActiveFocusChanged: if (activeFocus && currentIndex < 0 && count > 0) currentIndex = 0
+        onActiveFocusChanged: if (activeFocus && currentIndex < 0) table.choose(0, Qt.NoModifier)
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Files")
 
         Keys.onPressed: event => {
-            const page = Math.max(1, Math.floor(height / Theme.rowHeight) - 1)
+            const page = Math.max(1, Math.floor(height / table.rowHeight) - 1)
             event.accepted = true
             switch (event.key) {
             case Qt.Key_Up: return table.move(-1, event.modifiers)
@@ -158,7 +195,7 @@ FocusScope {
                 return
             case Qt.Key_F2:
                 if (table.currentPath)
-                    table.renameRequested(table.currentPath)
+                    renameSheet.get().ask(table.currentPath)
                 return
             case Qt.Key_Delete:
                 if (App.selection.selectedIDs.length > 0)
@@ -179,123 +216,48 @@ FocusScope {
                 event.accepted = false
         }
 
-        delegate: ItemDelegate {
-            id: row
-
-            required property int index
-            required property string path
-            required property string name
-            required property string folder
-            required property string kindTitle
-            required property string symbol
-            required property var size
-            required property var modifiedAt
-            required property var downloadedAt
-
-            readonly property var date: table.showsDownloadDate && downloadedAt ? downloadedAt : modifiedAt
-            readonly property bool isChosen: table.isChosen(path)
-            readonly property bool isCurrent: ListView.isCurrentItem
-
+        delegate: FileRow {
+            owner: table
             width: ListView.view.width
-            height: Theme.rowHeight
-            padding: 0
-            focusPolicy: Qt.NoFocus
-            Keys.onSpacePressed: event => table.choose(row.index, event.modifiers)
-            Accessible.role: Accessible.ListItem
-            Accessible.name: name
-            Accessible.description: qsTr("%1, %2, %3, row %4 of %5").arg(kindTitle)
-                .arg(Format.size(size)).arg(Format.date(date)).arg(index + 1).arg(list.count)
-            Accessible.selected: isChosen
-            Accessible.onPressAction: table.choose(row.index, Qt.NoModifier)
-
-            background: Rectangle {
-                radius: Theme.rowRadius
-                color: row.isChosen ? Theme.selected : row.hovered ? Theme.hover : "transparent"
-                border.width: row.isCurrent && list.activeFocus ? 2 : 0
-                border.color: Theme.accent
-                Rectangle {
-                    visible: row.isChosen
-                    width: 3
-                    height: parent.height - 12
-                    radius: 1.5
-                    x: row.mirrored ? parent.width - 5 : 2
-                    anchors.verticalCenter: parent.verticalCenter
-                    color: Theme.accent
-                }
-            }
-            contentItem: Item {
-                RowLayout {
-                    anchors.fill: parent
-                    anchors.leftMargin: 12
-                    anchors.rightMargin: 12
-                    spacing: 12
-                    RowLayout {
-                        Layout.fillWidth: true
-                        Layout.preferredWidth: 1
-                        spacing: 10
-                        AppIcon { symbol: row.symbol }
-                        AppText {
-                            Layout.fillWidth: true
-                            text: row.name
-                            elide: Text.ElideMiddle
-                        }
-                    }
-                    AppText {
-                        visible: table.showsFolder
-                        Layout.preferredWidth: 200
-                        text: Format.path(row.folder)
-                        elide: Text.ElideMiddle
-                        isSecondary: true
-                    }
-                    AppText {
-                        visible: table.showsKind
-                        Layout.preferredWidth: 90
-                        text: row.kindTitle
-                        isSecondary: true
-                    }
-                    AppText {
-                        Layout.preferredWidth: 96
-                        text: Format.date(row.date)
-                        isSecondary: true
-                    }
-                    AppText {
-                        Layout.preferredWidth: 76
-                        text: Format.size(row.size)
-                        horizontalAlignment: Text.AlignRight
-                        isSecondary: true
-                    }
-                }
-            }
-            ToolTip.text: path
-            ToolTip.visible: hovered
-            ToolTip.delay: 900
-
-            TapHandler {
-                acceptedButtons: Qt.LeftButton | Qt.RightButton
-                onTapped: (point, button) => {
-                    list.forceActiveFocus()
-                    if (button === Qt.RightButton) {
-                        if (!row.isChosen)
-                            table.choose(row.index, Qt.NoModifier)
-                        menu.popup()
-                    } else {
-                        table.choose(row.index, point.modifiers)
-                    }
-                }
-                onDoubleTapped: App.open(row.path)
+            Keys.onSpacePressed: event => {
+                if (event.modifiers & Qt.ControlModifier)
+                    table.choose(index, event.modifiers)
+                else
+                    preview.get().open()
             }
         }
     }
 
-    FileMenu {
-        id: menu
-        path: table.currentPath
-        onRenameRequested: path => table.renameRequested(path)
+    // Someone who runs through a list looks at the last of the files only.
+    Timer {
+        id: pause
+        interval: 120
+        onTriggered: Preview.show(table.currentPath, table.phrase)
     }
-    Keys.onMenuPressed: menu.popup()
+    onCurrentPathChanged: pause.restart()
+    onPhraseChanged: pause.restart()
+
+    OnDemand {
+        id: menu
+        sourceComponent: FileMenu {
+            parent: table
+            path: table.currentPath
+            onRenameRequested: path => renameSheet.get().ask(path)
+            onPreviewRequested: preview.get().open()
+        }
+    }
+    OnDemand {
+        id: renameSheet
+        sourceComponent: RenameSheet {}
+    }
+    OnDemand {
+        id: preview
+        sourceComponent: PreviewSheet { owner: table }
+    }
+    Keys.onMenuPressed: menu.get().popup()
     Shortcut {
         sequence: "Shift+F10"
         enabled: list.activeFocus
-        onActivated: menu.popup()
+        onActivated: menu.get().popup()
     }
 }

@@ -9,6 +9,20 @@ Card {
     required property string title
     default property alias content: column.data
 
+    /// Whether every one of the words stands somewhere in the group.
+    function has(words) {
+        if (words === "")
+            return true
+        const said = textOf(column).toLowerCase()
+        return words.toLowerCase().split(/\s+/).every(word => said.includes(word))
+    }
+    function textOf(item) {
+        let text = item.text || ""
+        for (const child of item.children)
+            text += " " + textOf(child)
+        return text
+    }
+
     implicitHeight: column.implicitHeight + 40
 
     ColumnLayout {

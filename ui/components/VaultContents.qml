@@ -18,9 +18,12 @@ FocusScope {
         ScreenHeader {
             Layout.fillWidth: true
             title: contents.title
-            subtitle: Vault.activity !== "" ? Vault.activity
-                : qsTr("%1  ·  locks after 5 minutes without input, and when you leave Tovi")
+            subtitle: Vault.activity !== ""
+                ? Vault.runningSecondsLeft < 0 ? Vault.activity
+                    : qsTr("%1  About %2 left").arg(Vault.activity).arg(Format.duration(Vault.runningSecondsLeft))
+                : qsTr("%1  ·  locks in %2 without input, and when you leave Tovi")
                     .arg(Format.counted(Vault.items.count, qsTr("file"), qsTr("files")))
+                    .arg(Format.duration(Vault.secondsUntilLock))
             ActionButton {
                 objectName: "vault-lock"
                 text: qsTr("Lock now")

@@ -80,6 +80,7 @@ Application::Application(const Options& options, FileOpener& opener)
           QFile::decodeName(QByteArray::fromStdString(options.dataDirectory))},
          {QStringLiteral("homeDirectory"), QDir::homePath()},
          {QStringLiteral("visible"), options.isWindowShown}});
+    model_.prepare(); // reads the index while the screens are loaded
     engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
 }
 

@@ -66,6 +66,7 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
       timeline_(executor_, UserCalendar::current()),
       graph_(executor_, [this] { return groupsOf(model_); }),
       preview_(executor_),
+      excerpts_(executor_),
       lookAlikes_(executor_, scannerOf(runtime)),
       installed_(executor_, languageFolder(), [&runtime](const std::stop_token& stop) {
           return describe(runtime.decoders().confinement(stop));
@@ -84,6 +85,7 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
     offer("Timeline", &timeline_);
     offer("Graph", &graph_);
     offer("Preview", &preview_);
+    offer("Excerpts", &excerpts_);
     offer("LookAlikes", &lookAlikes_);
     offer("Installed", &installed_);
 }
@@ -97,6 +99,7 @@ void ScreenModels::followIndex() {
     timeline_.setIndex(reader);
     graph_.setIndex(reader);
     preview_.setIndex(reader);
+    excerpts_.setIndex(reader);
     Q_EMIT indexChanged();
 }
 

@@ -3,6 +3,7 @@
 #include "app/installed/InstalledModel.h"
 #include "app/library/DownloadsModel.h"
 #include "app/library/EvidenceModel.h"
+#include "app/library/ExcerptsModel.h"
 #include "app/library/GraphModel.h"
 #include "app/library/PreviewModel.h"
 #include "app/library/TimelineModel.h"
@@ -13,7 +14,8 @@
 namespace tovi {
 
 /// The models of single screens, beside the running state whose index they follow. QML knows them
-/// as Downloads, Evidence, Timeline, Graph, Preview, LookAlikes and Installed, and this as Screens.
+/// as Downloads, Evidence, Timeline, Graph, Preview, Excerpts, LookAlikes and Installed, and this as
+/// Screens.
 class ScreenModels : public QObject {
     Q_OBJECT
 
@@ -39,6 +41,7 @@ class ScreenModels : public QObject {
     TimelineModel timeline_;
     GraphModel graph_;
     PreviewModel preview_;
+    ExcerptsModel excerpts_;
     SimilarPhotosModel lookAlikes_;
     InstalledModel installed_;
     SharedIndex index_;

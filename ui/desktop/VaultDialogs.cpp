@@ -17,7 +17,8 @@ void VaultDialogs::chooseDestination(const SaveRequest& request, SaveAnswer answ
     Q_EMIT destinationRequested(
         QString::fromStdString(request.title), QString::fromStdString(request.message),
         QString::fromStdString(request.name), QString::fromStdString(request.nameIdentifier),
-        QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)));
+        QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
+        request.size);
 }
 
 void VaultDialogs::close() {

@@ -29,7 +29,7 @@ class VaultDialogs final : public QObject, public VaultPanels {
   Q_SIGNALS:
     void filesRequested(const QString& title, const QString& message);
     void destinationRequested(const QString& title, const QString& message, const QString& name,
-                              const QString& nameIdentifier, const QUrl& folder);
+                              const QString& nameIdentifier, const QUrl& folder, qint64 size);
     void closed();
 
   private:

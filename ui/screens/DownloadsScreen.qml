@@ -144,7 +144,6 @@ FocusScope {
                     showsDownloadDate: true
                     hasMore: !screen.isLatest && Downloads.hasMoreFiles
                     onMoreWanted: Downloads.loadMoreFiles()
-                    onRenameRequested: path => renameSheet.ask(path)
                 }
                 EmptyState {
                     anchors.centerIn: parent
@@ -155,13 +154,16 @@ FocusScope {
                     onActed: Downloads.nameFilter = ""
                 }
             }
-            FileDetails {
+            OnDemand {
                 SplitView.preferredWidth: 280
                 SplitView.minimumWidth: 220
-                visible: screen.width > 1000
-                files: screen.shown
-                revision: screen.shown.count
-                path: table.currentPath
+                visible: isWanted
+                isWanted: screen.width > 900 && table.currentPath !== ""
+                sourceComponent: FileDetails {
+                    files: screen.shown
+                    revision: screen.shown.count
+                    path: table.currentPath
+                }
             }
         }
         Item {
@@ -184,6 +186,4 @@ FocusScope {
             }
         }
     }
-
-    RenameSheet { id: renameSheet }
 }

@@ -68,9 +68,9 @@ FocusScope {
                     anchors.margins: 8
                     focus: true
                     files: App.library.files
+                    sorter: App.library
                     hasMore: App.library.hasMoreFiles
                     onMoreWanted: App.library.loadMoreFiles()
-                    onRenameRequested: path => renameSheet.ask(path)
                 }
                 EmptyState {
                     anchors.centerIn: parent
@@ -81,13 +81,16 @@ FocusScope {
                     onActed: App.library.libraryKind = ""
                 }
             }
-            FileDetails {
+            OnDemand {
                 SplitView.preferredWidth: 300
                 SplitView.minimumWidth: 220
-                visible: screen.width > 900
-                files: App.library.files
-                revision: App.library.filesRevision
-                path: table.currentPath
+                visible: isWanted
+                isWanted: screen.width > 900 && table.currentPath !== ""
+                sourceComponent: FileDetails {
+                    files: App.library.files
+                    revision: App.library.filesRevision
+                    path: table.currentPath
+                }
             }
         }
 
@@ -97,6 +100,4 @@ FocusScope {
             visible: screen.total === 0
         }
     }
-
-    RenameSheet { id: renameSheet }
 }

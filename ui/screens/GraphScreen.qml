@@ -205,7 +205,7 @@ FocusScope {
             visible: list.count === 0
             EmptyState {
                 anchors.centerIn: parent
-                visible: !Graph.isLoading
+                visible: App.isLoaded && !Graph.isLoading
                 symbol: "point.3.connected.trianglepath.dotted"
                 title: qsTr("No file in the middle")
                 sentence: qsTr("Choose a file in Files or Search, then come back to see what it is connected with.")
@@ -214,7 +214,7 @@ FocusScope {
             }
             Waiting {
                 anchors.centerIn: parent
-                isBusy: Graph.isLoading
+                isBusy: !App.isLoaded || Graph.isLoading
                 text: qsTr("Looking for connections…")
             }
         }

@@ -57,7 +57,7 @@ FocusScope {
                 Repeater {
                     model: [
                         { symbol: "doc", value: Format.count(screen.total), text: qsTr("files indexed"), section: "files" },
-                                                { symbol: "square.on.square",
+                        { symbol: "square.on.square",
                           value: App.duplicates.hasSearched ? Format.size(App.duplicates.reclaimableBytes) : qsTr("Find"),
                           text: App.duplicates.hasSearched ? qsTr("in duplicates") : qsTr("exact duplicates"), section: "duplicates" },
                         { symbol: "externaldrive",
@@ -76,52 +76,114 @@ FocusScope {
                     }
                 }
             }
-            SettingsGroup {
+            GridLayout {
                 Layout.fillWidth: true
-                title: qsTr("By kind")
-                Repeater {
-                    model: screen.summary.kinds || []
-                    AbstractButton {
-                        id: kind
-                        required property var modelData
-                        required property int index
-                        Layout.fillWidth: true
-                        implicitHeight: Theme.rowHeight
-                        Accessible.name: modelData.title + ", " + Format.count(modelData.count)
-                        onClicked: {
-                            App.library.libraryKind = modelData.kind
-                            App.section = "files"
-                        }
-                        background: Rectangle {
-                            radius: Theme.rowRadius
-                            color: kind.hovered ? Theme.hover : "transparent"
-                            FocusRing { control: kind }
-                        }
-                        contentItem: RowLayout {
-                            spacing: 12
-                            AppIcon { symbol: kind.modelData.symbol }
-                            AppText {
-                                Layout.preferredWidth: 110
-                                text: kind.modelData.title
-                                Accessible.ignored: true
+                columns: screen.width > 900 ? 2 : 1
+                columnSpacing: 12
+                rowSpacing: 12
+                SettingsGroup {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 1
+                    Layout.alignment: Qt.AlignTop
+                    title: qsTr("By kind")
+                    Repeater {
+                        model: screen.summary.kinds || []
+                        AbstractButton {
+                            id: kind
+                            required property var modelData
+                            required property int index
+                            Layout.fillWidth: true
+                            implicitHeight: Theme.rowHeight
+                            Accessible.name: modelData.title + ", " + Format.count(modelData.count)
+                            onClicked: {
+                                App.library.libraryKind = modelData.kind
+                                App.section = "files"
                             }
-                            Item {
-                                Layout.fillWidth: true
-                                implicitHeight: 10
-                                Rectangle {
-                                    anchors.left: parent.left
-                                    width: Math.max(4, parent.width * kind.modelData.count / screen.total)
-                                    height: parent.height
-                                    radius: 5
-                                    color: Theme.chart[kind.index % Theme.chart.length]
+                            background: Rectangle {
+                                radius: Theme.rowRadius
+                                color: kind.hovered ? Theme.hover : "transparent"
+                                FocusRing { control: kind }
+                            }
+                            contentItem: RowLayout {
+                                spacing: 12
+                                AppIcon { symbol: kind.modelData.symbol }
+                                AppText {
+                                    Layout.preferredWidth: 110
+                                    text: kind.modelData.title
+                                    Accessible.ignored: true
+                                }
+                                Item {
+                                    Layout.fillWidth: true
+                                    implicitHeight: 10
+                                    Rectangle {
+                                        anchors.left: parent.left
+                                        width: Math.max(4, parent.width * kind.modelData.count / screen.total)
+                                        height: parent.height
+                                        radius: 5
+                                        color: Theme.chart[kind.index % Theme.chart.length]
+                                    }
+                                }
+                                AppText {
+                                    Layout.preferredWidth: 80
+                                    text: Format.count(kind.modelData.count)
+                                    horizontalAlignment: Text.AlignRight
+                                    isSecondary: true
+                                    Accessible.ignored: true
                                 }
                             }
-                            AppText {
-                                Layout.preferredWidth: 80
-                                text: Format.count(kind.modelData.count)
-                                horizontalAlignment: Text.AlignRight
-                                isSecondary: true
-                                Accessible.ignored: true
+                        }
+                    }
+                }
+                SettingsGroup {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 1
+                    Layout.alignment: Qt.AlignTop
+                    title: qsTr("Recent files")
+                    Repeater {
+                        model: App.library.recentFiles
+                        AbstractButton {
+                            id: recent
+                            required property string path
+                            required property string name
+                            required property string folder
+                            required property string symbol
+                            required property var modifiedAt
+                            Layout.fillWidth: true
+                            implicitHeight: Theme.rowHeight + 8
+                            Accessible.name: name
+                            Accessible.description: qsTr("Open, in %1, modified %2").arg(Format.path(folder)).arg(Format.date(modifiedAt))
+                            onClicked: App.open(path)
+                            background: Rectangle {
+                                radius: Theme.rowRadius
+                                color: recent.hovered ? Theme.hover : "transparent"
+                                FocusRing { control: recent }
+                            }
+                            contentItem: RowLayout {
+                                spacing: 12
+                                AppIcon { symbol: recent.symbol }
+                                ColumnLayout {
+                                    Layout.fillWidth: true
+                                    spacing: 0
+                                    AppText {
+                                        Layout.fillWidth: true
+                                        text: recent.name
+                                        elide: Text.ElideMiddle
+                                        Accessible.ignored: true
+                                    }
+                                    AppText {
+                                        Layout.fillWidth: true
+                                        text: Format.path(recent.folder)
+                                        elide: Text.ElideMiddle
+                                        isSecondary: true
+                                        font.pixelSize: Theme.caption
+                                        Accessible.ignored: true
+                                    }
+                                }
+                                AppText {
+                                    text: Format.date(recent.modifiedAt)
+                                    isSecondary: true
+                                    Accessible.ignored: true
+                                }
                             }
                         }
                     }

@@ -34,7 +34,7 @@ FocusScope {
         ScreenHeader {
             Layout.fillWidth: true
             title: screen.title
-            subtitle: screen.isAsking ? passages.summary : !screen.hasAnswer ? ""
+            subtitle: screen.isAsking ? passages.item.summary : !screen.hasAnswer ? ""
                 : qsTr("%1 in %2 ms").arg(
                     (App.search.hasMoreSearchResults ? qsTr("more than ") : "")
                     + Format.counted(screen.found.count, qsTr("result"), qsTr("results")))
@@ -57,16 +57,18 @@ FocusScope {
                 text: qsTr("Ask")
                 isCurrent: screen.isAsking
                 onClicked: {
+                    passages.active = true
                     screen.isAsking = true
-                    passages.begin()
+                    passages.item.begin()
                 }
             }
         }
-        AskPassages {
+        OnDemand {
             id: passages
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: screen.isAsking
+            source: "AskPassages.qml"
         }
 
         InputField {
@@ -118,19 +120,23 @@ FocusScope {
                     anchors.fill: parent
                     anchors.margins: 8
                     files: screen.found
+                    sorter: App.search
+                    phrase: App.search.searchedWords
                     hasMore: App.search.hasMoreSearchResults
                     onMoreWanted: App.search.loadMoreSearchResults()
-                    onRenameRequested: path => renameSheet.ask(path)
                 }
             }
-            FileDetails {
+            OnDemand {
                 SplitView.preferredWidth: 320
                 SplitView.minimumWidth: 220
-                visible: screen.width > 900
-                files: screen.found
-                revision: App.search.resultsRevision
-                path: table.currentPath
-                phrase: App.search.activeSearchText
+                visible: isWanted
+                isWanted: screen.width > 900 && table.currentPath !== ""
+                sourceComponent: FileDetails {
+                    files: screen.found
+                    revision: App.search.resultsRevision
+                    path: table.currentPath
+                    phrase: App.search.activeSearchText
+                }
             }
         }
 
@@ -190,6 +196,4 @@ FocusScope {
             }
         }
     }
-
-    RenameSheet { id: renameSheet }
 }

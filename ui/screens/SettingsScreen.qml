@@ -28,10 +28,29 @@ FocusScope {
                 Layout.fillWidth: true
                 title: screen.title
                 subtitle: qsTr("Every change applies at once")
+                InputField {
+                    id: filter
+                    Layout.preferredWidth: 240
+                    label: qsTr("Find a setting")
+                    placeholderText: label
+                    symbol: "magnifyingglass"
+                    Keys.onEscapePressed: text = ""
+                }
+            }
+            EmptyState {
+                Layout.alignment: Qt.AlignHCenter
+                Layout.topMargin: 48
+                visible: [folders, reading, quickSearch, desktop, appearance].every(group => !group.visible)
+                symbol: "magnifyingglass"
+                title: qsTr("No setting of these words")
+                action: qsTr("Show all")
+                onActed: filter.text = ""
             }
 
             SettingsGroup {
+                id: folders
                 Layout.fillWidth: true
+                visible: has(filter.text)
                 title: qsTr("Connected folders")
                 Repeater {
                     model: App.folders.roots
@@ -87,7 +106,9 @@ FocusScope {
             }
 
             SettingsGroup {
+                id: reading
                 Layout.fillWidth: true
+                visible: has(filter.text)
                 title: qsTr("What is read")
                 SettingsSwitch {
                     Layout.fillWidth: true
@@ -125,11 +146,21 @@ FocusScope {
                 }
             }
 
-            ShortcutSettings { Layout.fillWidth: true }
-            DesktopSettingsGroup { Layout.fillWidth: true }
+            ShortcutSettings {
+                id: quickSearch
+                Layout.fillWidth: true
+                visible: has(filter.text)
+            }
+            DesktopSettingsGroup {
+                id: desktop
+                Layout.fillWidth: true
+                visible: has(filter.text)
+            }
 
             SettingsGroup {
+                id: appearance
                 Layout.fillWidth: true
+                visible: has(filter.text)
                 title: qsTr("Appearance")
                 SettingsChoice {
                     Layout.fillWidth: true

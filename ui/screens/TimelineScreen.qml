@@ -161,7 +161,6 @@ FocusScope {
                     sectionTitle: section => Format.period(section, Timeline.unit)
                     hasMore: Timeline.hasMoreFiles
                     onMoreWanted: Timeline.loadMoreFiles()
-                    onRenameRequested: path => renameSheet.ask(path)
                 }
                 EmptyState {
                     anchors.centerIn: parent
@@ -192,6 +191,4 @@ FocusScope {
             }
         }
     }
-
-    RenameSheet { id: renameSheet }
 }

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QQuickWindow>
 #include <QTimer>
 #include <cstdio>
@@ -65,17 +66,48 @@ class Photographer {
     void take(const QString& name) {
         settle();
         const QImage image = application_.window()->grabWindow();
-        const QString file = out_ + u'/' + name + suffix_ + QStringLiteral(".png");
-        if (!image.convertToFormat(QImage::Format_RGB888).save(file, "PNG", 0))
-            throw std::runtime_error("Could not write " + file.toStdString());
+        if (isContactSheet_)
+            tiles_.append(image.scaledToWidth(tileWidth, Qt::SmoothTransformation));
+        else
+            save(image, name);
+    }
+
+    /// Keeps what is taken from now on for one picture of them all.
+    void beginContactSheet() { isContactSheet_ = true; }
+
+    void saveContactSheet(const QString& name) {
+        const QSize tile = tiles_.front().size();
+        const int rows = (static_cast<int>(tiles_.size()) + columns - 1) / columns;
+        QImage sheet(columns * (tile.width() + gap) + gap, rows * (tile.height() + gap) + gap,
+                     QImage::Format_RGB888);
+        sheet.fill(Qt::gray);
+        QPainter painter(&sheet);
+        for (int at = 0; at < tiles_.size(); ++at) {
+            painter.drawImage(gap + at % columns * (tile.width() + gap),
+                              gap + at / columns * (tile.height() + gap), tiles_[at]);
+        }
+        painter.end();
+        save(sheet, name);
     }
 
     void show(const QString& section) { model().setSection(section); }
 
   private:
+    static constexpr int tileWidth = 394;
+    static constexpr int columns = 4;
+    static constexpr int gap = 8;
+
+    void save(const QImage& image, const QString& name) {
+        const QString file = out_ + u'/' + name + suffix_ + QStringLiteral(".png");
+        if (!image.convertToFormat(QImage::Format_RGB888).save(file, "PNG", 0))
+            throw std::runtime_error("Could not write " + file.toStdString());
+    }
+
     Application& application_;
     QString out_;
     QString suffix_;
+    bool isContactSheet_ = false;
+    QList<QImage> tiles_;
 };
 
 /// What is done before a picture, by its name; a name that is not here is a section.
@@ -89,12 +121,22 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
              for (int wait = 0; wait < 4; ++wait) // for the preview
                  settle();
          }},
+        {QStringLiteral("preview"),
+         [](Photographer& at) {
+             at.show(QStringLiteral("files"));
+             settle();
+             at.press(Qt::Key_Down);
+             at.press(Qt::Key_Space);
+             for (int wait = 0; wait < 4; ++wait)
+                 settle();
+         }},
         {QStringLiteral("search"),
          [](Photographer& at) {
              const QString phrase = QStringLiteral("pdfs privacy committee");
              at.model().search()->setQuery(phrase);
              at.show(QStringLiteral("search"));
              waitFor([&] { return at.model().search()->results()->count() > 0; });
+             settle(); // the excerpts
          }},
         {QStringLiteral("spaces"),
          [](Photographer& at) {
@@ -149,11 +191,12 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
                      paths.push_back(file.path);
              }
              at.show(QStringLiteral("vault"));
-             waitFor([&] { return vault.phase() == VaultModel::Phase::notCreated; });
-             vault.authenticate(QStringLiteral("a password for the pictures"), true);
+             waitFor([&] { return vault.phase() != VaultModel::Phase::loading; });
+             const bool isNew = vault.phase() == VaultModel::Phase::notCreated;
+             vault.authenticate(QStringLiteral("a password for the pictures"), isNew);
              waitFor(
                  [&] { return vault.phase() == VaultModel::Phase::unlocked && !vault.isBusy(); });
-             vault.importFiles(paths);
+             if (isNew) vault.importFiles(paths);
              waitFor([&] { return !vault.isBusy(); });
          }},
         {QStringLiteral("vault-locked"),
@@ -192,26 +235,33 @@ void run(const QCommandLineParser& line) {
         return !model.scan()->isIndexing() &&
                (folder.isEmpty() || model.library()->files()->count() > 0);
     });
+    const QString contactSheet = line.value(QStringLiteral("contact-sheet"));
+    if (!contactSheet.isEmpty()) photographer.beginContactSheet();
     for (const QString& name : line.positionalArguments()) {
         const auto scene = scenes().find(name);
         scene == scenes().end() || folder.isEmpty() ? photographer.show(name)
                                                     : scene->second(photographer);
         photographer.take(name);
         model.setShowCommandPalette(false);
+        if (model.plans()->proposedPlan()) model.plans()->cancelPlan();
+        photographer.press(Qt::Key_Escape);
     }
+    if (!contactSheet.isEmpty()) photographer.saveContactSheet(contactSheet);
     waitFor([&] { return model.isSaved(); });
 }
 
 } // namespace
 } // namespace tovi
 
-/// Draws screens of the program into PNG files: the names of sections or scenes, in this order.
+/// Draws screens of the program into PNG files, or all into one: the names of sections or scenes,
+/// in this order.
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
     QGuiApplication application(argc, argv);
     QCommandLineParser line;
-    for (const char* option : {"data-dir", "folder", "out", "size", "suffix", "theme"})
+    for (const char* option :
+         {"contact-sheet", "data-dir", "folder", "out", "size", "suffix", "theme"})
         line.addOption({QString::fromLatin1(option), QString(), QStringLiteral("value")});
     line.addOption({QStringLiteral("mirrored"), QString()});
     line.process(application);

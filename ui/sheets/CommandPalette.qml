@@ -10,7 +10,7 @@ Sheet {
     id: palette
 
     /// Each with `text`, `symbol` and `run`.
-    required property var commands
+    property var commands: []
     readonly property string wanted: field.text.trim().toLowerCase()
     readonly property var matching: {
         const found = commands.filter(command => command.text.toLowerCase().includes(wanted))

@@ -25,8 +25,10 @@ Item {
             openDialog.title = title + " — " + message
             openDialog.open()
         }
-        function onDestinationRequested(title, message, name, nameIdentifier, folder) {
-            sheet.heading = title
+        function onDestinationRequested(title, message, name, nameIdentifier, folder, size) {
+            sheet.kind = title
+            sheet.name = name
+            sheet.size = size
             sheet.message = message
             sheet.folder = folder
             field.objectName = nameIdentifier
@@ -43,8 +45,11 @@ Item {
     Sheet {
         id: sheet
 
-        property string heading: ""
+        property string kind: ""
+        property string name: ""
+        property double size: 0
         property string message: ""
+        readonly property string verb: qsTr("Export 1 file, %1").arg(Format.size(size))
         property url folder
 
         function save() {
@@ -52,24 +57,38 @@ Item {
             close()
         }
 
-        title: heading
-        onOpened: field.forceActiveFocus()
+        title: verb
+        onOpened: cancel.forceActiveFocus()
         onClosed: VaultDialogs.cancel()
 
         ColumnLayout {
             width: parent.width
             spacing: 16
             AppText {
-                text: sheet.heading
+                text: sheet.verb
                 font.pixelSize: Theme.heading
                 isStrong: true
                 Accessible.role: Accessible.Heading
+            }
+            RowLayout {
+                spacing: 12
+                AppIcon { symbol: "lock" }
+                AppText {
+                    Layout.fillWidth: true
+                    text: qsTr("%1: %2").arg(sheet.kind).arg(sheet.name)
+                    elide: Text.ElideMiddle
+                    isStrong: true
+                }
+                AppText {
+                    text: Format.size(sheet.size)
+                    isSecondary: true
+                }
             }
             AppText {
                 Layout.fillWidth: true
                 text: sheet.message
                 wrapMode: Text.Wrap
-                isSecondary: true
+                color: Theme.warning
             }
             InputField {
                 id: field
@@ -94,13 +113,14 @@ Item {
                 Layout.alignment: Qt.AlignRight
                 spacing: 8
                 ActionButton {
+                    id: cancel
                     text: qsTr("Cancel")
                     onClicked: sheet.close()
                 }
                 ActionButton {
                     id: save
                     objectName: "vault-export-confirm"
-                    text: qsTr("Export")
+                    text: sheet.verb
                     isPrimary: true
                     enabled: field.text !== ""
                     onClicked: sheet.save()

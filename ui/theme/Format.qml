@@ -32,6 +32,12 @@ QtObject {
         return value ? Qt.formatDateTime(value, Qt.locale().dateTimeFormat(Locale.ShortFormat)) : ""
     }
 
+    /// Minutes and seconds.
+    function duration(seconds) {
+        const whole = Math.max(0, Math.round(seconds))
+        return Math.floor(whole / 60) + ":" + String(whole % 60).padStart(2, "0")
+    }
+
     function fileName(path) {
         return path.substring(path.lastIndexOf("/") + 1)
     }

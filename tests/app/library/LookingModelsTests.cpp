@@ -1,3 +1,4 @@
+#include "app/library/ExcerptsModel.h"
 #include "app/library/GraphModel.h"
 #include "app/library/PreviewModel.h"
 #include "app/library/TimelineModel.h"
@@ -6,6 +7,7 @@
 #include "tests/support/TemporaryTree.h"
 
 #include <QAbstractItemModelTester>
+#include <QCoreApplication>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -123,6 +125,28 @@ TEST_F(LookingModelsTest, PreviewShowsTheTextOfTheLastFileWithTheWordsSearchedFo
     EXPECT_FALSE(model.isLoading());
     EXPECT_EQ(model.marked(toQt("Who is the landlord"), toQt("who is the landlord?")),
               toQt("Who is the <b>landlord</b>"));
+}
+
+TEST_F(LookingModelsTest, ExcerptsAreReadTogetherForTheWordsAskedForLast) {
+    add("/r/lease", 1, std::string(400, 'x') + " The landlord\n pays.");
+    add("/r/bill", 2, "rent of May");
+    ExcerptsModel model(executor);
+    model.setIndex(index);
+    const auto ask = [&](const char* words) {
+        QStringList told{model.of(toQt("/r/lease"), toQt(words)),
+                         model.of(toQt("/r/bill"), toQt(words))};
+        QCoreApplication::sendPostedEvents(&model);
+        return told;
+    };
+    ask("landlord");
+    ask("rent"); // before the first was read
+    executor.settle();
+    EXPECT_EQ(ask("rent").last(), toQt("<b>rent</b> of May"));
+    ask("landlord");
+    executor.settle();
+    EXPECT_TRUE(ask("landlord").first().endsWith(toQt(" The <b>landlord</b> pays.")));
+    model.setIndex(nullptr);
+    EXPECT_EQ(ask("landlord").first(), QString()) << "a closed index tells nothing";
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include "platform/StandardLocations.h"
 #include "tests/app/model/ModelFixture.h"
 #include "tests/support/Environment.h"
+#include "tests/support/MountNamespace.h"
+
+#include <sys/mount.h>
 
 namespace tovi {
 namespace {
@@ -53,6 +56,12 @@ TEST_F(AppModelTest, ConnectsScansSearchesAndRemembers) {
     EXPECT_THAT(names(model->library()->records()), UnorderedElementsAre("roses.txt", "tools.txt"));
     EXPECT_THAT(found("spade"), ElementsAre("tools.txt"));
     EXPECT_FALSE(model->search()->hasMoreSearchResults());
+    for (const bool isDescending : {false, true}) {
+        model->library()->sortBy(QStringLiteral("name"));
+        executor.settle();
+        EXPECT_EQ(model->library()->isSortDescending(), isDescending);
+        EXPECT_EQ(names(model->library()->records()).front() == "tools.txt", isDescending);
+    }
 
     settings.automaticallyScan = false;
     model = nullptr;
@@ -163,6 +172,30 @@ TEST_F(AppModelTest, KeepsTheRowsOfAFolderThatIsNotTheOneConnected) {
     EXPECT_TRUE(isAvailable());
     EXPECT_THAT(watched, ElementsAre(tree.path("disk")));
     EXPECT_THAT(issues(), IsEmpty());
+}
+
+TEST_F(AppModelTest, KeepsTheRowsOfADiskThatIsUnmounted) {
+    const test::MountNamespace mounts;
+    if (!mounts.isAvailable()) GTEST_SKIP() << "no mounts here";
+    for (const std::string disk : {"idle", "scanned"}) {
+        tree.makeDirectory(disk);
+        mounts.mountMemory(tree.path(disk));
+        tree.write(disk + "/deep/a.txt", "words of " + disk);
+    }
+    model = start();
+    model->folders()->grantFolders({at("idle"), at("scanned")});
+    executor.settle();
+    EXPECT_EQ(::umount2(tree.path("idle").c_str(), 0), 0) << "the disk is kept busy";
+    tree.write("scanned/b.txt");
+    afterReading = [&] { ::umount2(tree.path("scanned").c_str(), MNT_DETACH); };
+    model->scan()->rescan();
+    executor.settle();
+    EXPECT_FALSE(isAvailable(0));
+    EXPECT_THAT(issues(), SizeIs(2)) << "the scan met the end of its folder";
+    model->scan()->rescan();
+    executor.settle();
+    EXPECT_FALSE(isAvailable(1));
+    EXPECT_THAT(found("words of"), UnorderedElementsAre("a.txt", "a.txt"));
 }
 
 TEST_F(AppModelTest, SaysHowSoonChangesAreNoticed) {

@@ -104,6 +104,36 @@ TEST_F(PlansTest, RefusesAPlanForAFolderThatWasDisconnected) {
     EXPECT_TRUE(fs::exists(tree.path("a.txt")));
 }
 
+TEST_F(PlansTest, KeepsATrueReceiptOfAPlanThatWasStopped) {
+    instruct("trash selected", {at("a.txt"), at("b.txt"), at("c.txt")});
+    int moves = 0;
+    trash.before = [&](const std::string&) {
+        if (++moves == 2) plans().stopExecution();
+    };
+    confirm();
+    EXPECT_THAT(error(), HasSubstr("Cancelled."));
+    ASSERT_THAT(plans().receipts(), SizeIs(1));
+    EXPECT_THAT(plans().receipts()[0].entries, SizeIs(2));
+    EXPECT_FALSE(fs::exists(tree.path("a.txt")) || fs::exists(tree.path("b.txt")));
+    EXPECT_TRUE(fs::exists(tree.path("c.txt")));
+    plans().undoLast();
+    executor.settle();
+    EXPECT_TRUE(fs::exists(tree.path("a.txt")) && fs::exists(tree.path("b.txt")));
+}
+
+TEST_F(PlansTest, ChangesNothingInAFolderThatTookThePlaceOfTheConnectedOne) {
+    instruct("trash selected", {at("a.txt")});
+    const std::string away = tree.path() + "-away";
+    fs::rename(tree.path(), away);
+    fs::copy(away, tree.path(), fs::copy_options::recursive);
+    confirm();
+    EXPECT_NE(error(), "");
+    EXPECT_TRUE(fs::exists(tree.path("a.txt")));
+    EXPECT_TRUE(fs::exists(away + "/a.txt"));
+    EXPECT_TRUE(model->plans()->receipts().empty());
+    fs::remove_all(away);
+}
+
 TEST_F(PlansTest, CleansDuplicatesAndKeepsOne) {
     model->duplicates()->findDuplicates();
     model->duplicates()->findDuplicates();

@@ -152,6 +152,12 @@ TEST_F(SimilarPhotos, SkipWhatChanges) {
     EXPECT_EQ(report.considered, 4);
     EXPECT_EQ(report.skipped, 4);
     EXPECT_EQ(decoder_.calls, 1);
+    for (const char* meanwhile : {"scene 1 grown", "scene"}) {
+        files_.clear();
+        add("open.jpg", "scene 1");
+        decoder_.whileDecoding = [&] { tree_.write("open.jpg", meanwhile); };
+        EXPECT_EQ(scan().skipped, 1) << meanwhile;
+    }
 }
 
 TEST_F(SimilarPhotos, StopWhenAsked) {

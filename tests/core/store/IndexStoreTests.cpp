@@ -162,6 +162,11 @@ TEST_F(IndexStoreTest, FiltersAndPages) {
     EXPECT_THAT(paths(store.search(bySource, 9, 0)), ElementsAre("/root/3"));
     bySource.source = "slack";
     EXPECT_THAT(paths(store.search(bySource, 9, 0)), ElementsAre("/root/4", "/root/3"));
+    store.upsert(makeRecord("/root/A/z", "", 9));
+    SearchQuery sorted;
+    sorted.order = {FileColumn::folder, true};
+    EXPECT_THAT(paths(store.search(sorted, 2, 0)), ElementsAre("/root/A/z", "/root/0"));
+    EXPECT_THAT(paths(store.search(sorted, 2, 4)), ElementsAre("/root/3", "/root/4"));
     EXPECT_EQ(store.search({}, 1, 0, IndexStore::Content::leftOut)[0].content, "");
 }
 
@@ -384,6 +389,12 @@ TEST_F(IndexStoreTest, FindsWhatLookingAtEveryRowFinds) {
         store.upsert(record);
     }
     store.remove({"/root/7", "/root/8", "/root/9"});
+    const std::pair<FileOrder, std::string> orders[] = {
+        {{}, "modified DESC, path"},
+        {{FileColumn::modified, false}, "modified, path"},
+        {{FileColumn::name, false}, "name COLLATE NOCASE, path"},
+        {{FileColumn::size, true}, "size DESC, path"},
+        {{FileColumn::kind, false}, "kind, name COLLATE NOCASE, path"}};
     const IndexStore::Content content = IndexStore::Content::leftOut;
     int found = 0;
     for (int n = 0; n < 400; ++n) {
@@ -391,6 +402,8 @@ TEST_F(IndexStoreTest, FindsWhatLookingAtEveryRowFinds) {
         SearchQuery query;
         query.text = made(4);
         if (n % 3 == 0) query.modifiedAfter = Date{200};
+        const auto& [order, terms] = orders[n % std::size(orders)];
+        query.order = order;
         std::string words;
         for (const std::string_view word : splitWhitespace(query.text)) {
             if (!std::any_of(word.begin(), word.end(), [](char c) { return isalnum(c) || c < 0; }))
@@ -406,8 +419,8 @@ TEST_F(IndexStoreTest, FindsWhatLookingAtEveryRowFinds) {
         const auto expected =
             sql("SELECT path FROM files WHERE (" +
                 (splitWhitespace(query.text).empty() ? "1" : match + " OR " + like) + ")" +
-                (query.modifiedAfter ? " AND modified >= 200" : "") +
-                " ORDER BY modified DESC, path LIMIT " + std::to_string(limit));
+                (query.modifiedAfter ? " AND modified >= 200" : "") + " ORDER BY " + terms +
+                " LIMIT " + std::to_string(limit));
         EXPECT_EQ(paths(store.search(query, limit, 0, content)), expected) << query.text;
         found += static_cast<int>(expected.size());
     }
