@@ -1,9 +1,5 @@
 #include "tests/app/model/ModelFixture.h"
 #include "ui/desktop/LongWorkNotices.h"
-#include "ui/desktop/Notifications.h"
-
-#include <QDBusMessage>
-#include <QTest>
 
 namespace tovi {
 namespace {
@@ -84,55 +80,5 @@ TEST_F(LongWorkTest, OffersToTakeALongMoveBack) {
     EXPECT_EQ(told.size(), 1U);
 }
 
-/// A stand-in for the desktop's notifications.
-class Daemon : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
-  public Q_SLOTS:
-    // NOLINTNEXTLINE(readability-identifier-naming)
-    uint Notify(const QString&, uint, const QString&, const QString& title, const QString&,
-                const QStringList& actions, const QVariantMap&, int) {
-        shown << title + QLatin1Char(':') + actions.join(QLatin1Char(','));
-        return 7;
-    }
-
-  public:
-    QStringList shown;
-};
-
-TEST(Notifications, ShowsActionsAndDoesTheChosenOne) {
-    const QString name = QStringLiteral("org.freedesktop.Notifications");
-    const QString path = QStringLiteral("/org/freedesktop/Notifications");
-    auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("daemon"));
-    Daemon daemon;
-    ASSERT_TRUE(bus.registerObject(path, &daemon, QDBusConnection::ExportAllSlots));
-    ASSERT_TRUE(bus.registerService(name));
-    const auto say = [&](const QString& signal, const QVariant& value) {
-        QDBusMessage message = QDBusMessage::createSignal(path, name, signal);
-        message << 7U << value;
-        bus.send(message);
-    };
-    Notifications notifications(QDBusConnection::sessionBus());
-    QStringList done;
-    const auto note = [&](const QString& text) {
-        return Notifications::Action{text,
-                                     [&done, text](const QString& token) { done << text + token; }};
-    };
-    notifications.show(QStringLiteral("T"), QStringLiteral("x"),
-                       {note(QStringLiteral("Show")), note(QStringLiteral("Undo"))});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !daemon.shown.isEmpty(); }));
-    EXPECT_EQ(daemon.shown.first(), QStringLiteral("T:default,Show,0,Show,1,Undo"));
-    ASSERT_TRUE(QTest::qWaitFor([&] {
-        say(QStringLiteral("ActivationToken"), QStringLiteral("!"));
-        say(QStringLiteral("ActionInvoked"), QStringLiteral("1"));
-        say(QStringLiteral("ActionInvoked"), QStringLiteral("default"));
-        return done.size() > 2;
-    }));
-    EXPECT_EQ(done.mid(0, 2), QStringList({QStringLiteral("Undo!"), QStringLiteral("Show")}));
-}
-
 } // namespace
 } // namespace tovi
-
-#include "LongWorkTests.moc"

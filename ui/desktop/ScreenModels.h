@@ -14,8 +14,8 @@
 namespace tovi {
 
 /// The models of single screens, beside the running state whose index they follow. QML knows them
-/// as Downloads, Evidence, Timeline, Graph, Preview, Excerpts, LookAlikes and Installed, and this as
-/// Screens.
+/// as Downloads, Evidence, Timeline, Graph, Preview, Excerpts, LookAlikes and Installed, and this
+/// as Screens.
 class ScreenModels : public QObject {
     Q_OBJECT
 

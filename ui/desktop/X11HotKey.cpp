@@ -89,8 +89,7 @@ bool X11HotKey::nativeEventFilter(const QByteArray& type, void* message, qintptr
     if (key->detail != keyCode_ || (key->state & relevant) != modifiers_) return false;
     // Qt takes the time of the key from the event, without which the panel would get no focus, and
     // only then is the panel shown.
-    QMetaObject::invokeMethod(
-        this, [this] { Q_EMIT pressed({}); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, "pressed", Qt::QueuedConnection, Q_ARG(QString, QString()));
     return false;
 }
 
