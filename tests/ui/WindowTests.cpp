@@ -327,6 +327,28 @@ TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {
     checkScreen(QStringLiteral("ask"));
 }
 
+TEST_F(Window, ClearsDuplicatesAndTakesThemBack) {
+    files_.write("home/a.txt", "the same");
+    files_.write("home/b.txt", "the same");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(2);
+    model().setSection(QStringLiteral("duplicates"));
+    tabTo(QStringLiteral("Find duplicates"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitUntilTold(QStringLiteral("2 copies, 8 bytes reclaimable")));
+    tabTo(QStringLiteral("Review all…"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    tabTo(QStringLiteral("Move 1 file to Trash"));
+    key(Qt::Key_Space);
+    const RowListModel* groups = model().duplicates()->list();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return groups->count() == 0; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
+    key(Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return groups->count() == 1; }, 20'000));
+}
+
 TEST_F(Window, ComparesLookAlikesSideBySide) {
     QImage photo(640, 480, QImage::Format_RGB32);
     for (int y = 0; y < photo.height(); ++y) {

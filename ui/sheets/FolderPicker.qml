@@ -8,8 +8,10 @@ FolderDialog {
     function ask(question, button, directory) {
         title = question
         acceptLabel = button
-        if (directory.toString())
-            currentFolder = directory
+        if (directory.toString()) { // offered itself, not one of the folders in it
+            currentFolder = directory.toString().replace(/\/[^\/]*\/?$/, "")
+            selectedFolder = directory
+        }
         open()
     }
 
