@@ -214,6 +214,13 @@ class Window : public testing::Test {
 TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithoutFiles) {
     open();
     checkAllScreens();
+    model().setSection(QStringLiteral("files"));
+    tabTo(QStringLiteral("Connect your personal files"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Connect this folder")));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().folders()->roots().size() == 1; }));
+    EXPECT_EQ(model().folders()->roots().front().path, uiProcess().home.path());
 }
 
 TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
