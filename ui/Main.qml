@@ -85,8 +85,8 @@ ApplicationWindow {
         midlight: Theme.selected
         mid: Theme.outline
         dark: Theme.border
-        highlight: Theme.accent
-        highlightedText: Theme.accentInk
+        highlight: Theme.selected
+        highlightedText: Theme.text
         toolTipBase: Theme.raised
         toolTipText: Theme.text
         placeholderText: Theme.secondaryText

@@ -214,6 +214,13 @@ class Window : public testing::Test {
 TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithoutFiles) {
     open();
     checkAllScreens();
+    model().setSection(QStringLiteral("files"));
+    tabTo(QStringLiteral("Connect your personal files"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Connect this folder")));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().folders()->roots().size() == 1; }));
+    EXPECT_EQ(model().folders()->roots().front().path, uiProcess().home.path());
 }
 
 TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
@@ -325,6 +332,28 @@ TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {
     ASSERT_TRUE(waitUntilTold(QStringLiteral("1 passage from your files")));
     EXPECT_TRUE(isTold(QStringLiteral("Rent is due on the first.")));
     checkScreen(QStringLiteral("ask"));
+}
+
+TEST_F(Window, ClearsDuplicatesAndTakesThemBack) {
+    files_.write("home/a.txt", "the same");
+    files_.write("home/b.txt", "the same");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(2);
+    model().setSection(QStringLiteral("duplicates"));
+    tabTo(QStringLiteral("Find duplicates"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitUntilTold(QStringLiteral("2 copies, 8 bytes reclaimable")));
+    tabTo(QStringLiteral("Review all…"));
+    key(Qt::Key_Space);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    tabTo(QStringLiteral("Move 1 file to Trash"));
+    key(Qt::Key_Space);
+    const RowListModel* groups = model().duplicates()->list();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return groups->count() == 0; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
+    key(Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return groups->count() == 1; }, 20'000));
 }
 
 TEST_F(Window, ComparesLookAlikesSideBySide) {

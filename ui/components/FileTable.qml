@@ -72,8 +72,7 @@ FocusScope {
     }
     /// The chosen files as other programs take them.
     function addresses() {
-        return App.selection.selectedIDs
-            .map(path => "file://" + path.split("/").map(encodeURIComponent).join("/")).join("\r\n")
+        return App.selection.selectedIDs.map(Format.address).join("\r\n")
     }
     function move(by, modifiers) {
         const row = Math.max(0, Math.min(list.count - 1, list.currentIndex + by))

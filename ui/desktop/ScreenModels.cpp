@@ -4,6 +4,7 @@
 
 #include <QQmlEngine>
 #include <QStringList>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -74,6 +75,11 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
     connect(&model_, &AppModel::loaded, this, &ScreenModels::followIndex);
     connect(model_.plans(), &PlansModel::filesMoved, this, [this] {
         if (lookAlikes_.hasReport()) findLookAlikes(comparedFolder_);
+        areDuplicatesDue_ = model_.duplicates()->hasSearched();
+        if (areDuplicatesDue_) model_.duplicates()->findDuplicates();
+    });
+    connect(model_.scan(), &ScanModel::scanEnded, this, [this] { // finds what was taken back
+        if (std::exchange(areDuplicatesDue_, false)) model_.duplicates()->findDuplicates();
     });
     const auto offer = [](const char* name, QObject* object) {
         QQmlEngine::setObjectOwnership(object, QQmlEngine::CppOwnership);

@@ -46,6 +46,7 @@ class ScreenModels : public QObject {
     InstalledModel installed_;
     SharedIndex index_;
     QString comparedFolder_;
+    bool areDuplicatesDue_ = false; // once the scan after a move is over
     Generation picturesGeneration_;
 };
 

@@ -25,6 +25,7 @@ FocusScope {
                     .arg(Format.counted(screen.total, qsTr("file"), qsTr("files")))
                 : ""
             ActionButton {
+                visible: screen.total > 0
                 text: qsTr("Add folder")
                 symbol: "folder.badge.plus"
                 isPrimary: true

@@ -168,6 +168,7 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
         {QStringLiteral("activity"),
          [](Photographer& at) {
              PlansModel& plans = *at.model().plans();
+             if (plans.receipts().empty()) scenes().at(QStringLiteral("review"))(at);
              const auto before = plans.receipts().size();
              if (plans.proposedPlan()) {
                  plans.confirmPlan(

@@ -1,18 +1,84 @@
+import QtQuick
 import QtQuick.Dialogs
+import QtQuick.Layouts
+import Tovi
 import Tovi.Models
 
-/// Asks for a folder to connect.
-FolderDialog {
-    objectName: "folder-dialog"
+/// Asks for a folder to connect. One that is offered needs no more than a yes.
+Item {
+    id: picker
 
     function ask(question, button, directory) {
-        title = question
-        acceptLabel = button
+        dialog.title = question
+        dialog.acceptLabel = button
+        sheet.button = button
+        sheet.folder = directory
         if (directory.toString())
-            currentFolder = directory
-        open()
+            sheet.open()
+        else
+            dialog.open()
     }
 
-    onAccepted: FolderDialogs.finish(selectedFolder)
-    onRejected: FolderDialogs.finish("")
+    FolderDialog {
+        id: dialog
+        objectName: "folder-dialog"
+        onAccepted: FolderDialogs.finish(selectedFolder)
+        onRejected: FolderDialogs.finish("")
+    }
+    Sheet {
+        id: sheet
+
+        property string button: ""
+        property url folder
+        property url answer
+
+        title: dialog.title
+        onOpened: {
+            answer = ""
+            yes.forceActiveFocus()
+        }
+        onClosed: if (!dialog.visible) FolderDialogs.finish(answer)
+
+        ColumnLayout {
+            width: parent.width
+            spacing: 16
+            AppText {
+                Layout.fillWidth: true
+                text: sheet.title
+                wrapMode: Text.Wrap
+                font.pixelSize: Theme.heading
+                isStrong: true
+                Accessible.role: Accessible.Heading
+            }
+            Statement {
+                symbol: "folder"
+                text: VaultDialogs.path(sheet.folder)
+            }
+            RowLayout {
+                Layout.alignment: Qt.AlignRight
+                spacing: 8
+                ActionButton {
+                    text: qsTr("Cancel")
+                    onClicked: sheet.close()
+                }
+                ActionButton {
+                    text: qsTr("Another folder…")
+                    onClicked: {
+                        dialog.currentFolder = sheet.folder
+                        dialog.open()
+                        sheet.close()
+                    }
+                }
+                ActionButton {
+                    id: yes
+                    text: sheet.button
+                    isPrimary: true
+                    onClicked: {
+                        sheet.answer = sheet.folder
+                        sheet.close()
+                    }
+                }
+            }
+        }
+    }
 }

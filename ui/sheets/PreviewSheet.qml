@@ -59,6 +59,7 @@ Sheet {
             id: keys
             Layout.fillWidth: true
             Layout.fillHeight: true
+            readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || text.excerpt === ""
             activeFocusOnTab: true
             focus: true
             Accessible.role: Accessible.Pane
@@ -84,7 +85,7 @@ Sheet {
                 id: picture
                 anchors.fill: parent
                 anchors.margins: 12
-                visible: isDrawable && !hasFailed || !text.visible
+                visible: keys.showsPicture
                 path: sheet.opened ? sheet.path : ""
                 kind: sheet.file ? sheet.file.kind : ""
                 symbol: sheet.file ? sheet.file.symbol : "doc"
@@ -94,7 +95,7 @@ Sheet {
             Flickable {
                 anchors.fill: parent
                 anchors.margins: 20
-                visible: text.visible && !picture.visible
+                visible: !keys.showsPicture
                 contentHeight: text.implicitHeight
                 boundsBehavior: Flickable.StopAtBounds
                 clip: true
@@ -102,7 +103,6 @@ Sheet {
                 MarkedText {
                     id: text
                     width: parent.width
-                    visible: excerpt !== ""
                     excerpt: Preview.path === sheet.path ? Preview.excerpt : ""
                     lineHeight: 1.3
                 }

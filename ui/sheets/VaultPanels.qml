@@ -12,6 +12,7 @@ Item {
         id: openDialog
         objectName: "vault-open-dialog"
         fileMode: FileDialog.OpenFiles
+        currentFolder: Format.address(Format.home)
         onAccepted: VaultDialogs.chooseFiles(selectedFiles)
         onRejected: VaultDialogs.cancel()
     }

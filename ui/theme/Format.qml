@@ -11,6 +11,11 @@ QtObject {
         return home !== "" && (value + "/").startsWith(home + "/") ? "~" + value.substring(home.length) : value
     }
 
+    /// The address of a file, as dialogs and other programs take it.
+    function address(path) {
+        return "file://" + path.split("/").map(encodeURIComponent).join("/")
+    }
+
     function size(bytes) {
         return Qt.locale().formattedDataSize(bytes, bytes < 1000 ? 0 : 1, Locale.DataSizeSIFormat)
     }
