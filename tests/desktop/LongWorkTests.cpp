@@ -1,5 +1,5 @@
 #include "tests/app/model/ModelFixture.h"
-#include "ui/desktop/LongWorkNotices.h"
+#include "ui/session/LongWorkNotices.h"
 
 namespace tovi {
 namespace {

@@ -3,9 +3,9 @@
 #include "base/Text.h"
 #include "platform/Sandbox.h"
 #include "platform/StandardLocations.h"
-#include "ui/desktop/ActivationToken.h"
 #include "ui/desktop/Application.h"
-#include "ui/desktop/DesktopActivation.h"
+#include "ui/session/ActivationToken.h"
+#include "ui/session/DesktopActivation.h"
 
 #include <QCommandLineParser>
 #include <QFile>

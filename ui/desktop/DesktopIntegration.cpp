@@ -1,6 +1,6 @@
 #include "ui/desktop/DesktopIntegration.h"
 
-#include "ui/desktop/ActivationToken.h"
+#include "ui/session/ActivationToken.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>

@@ -2,16 +2,16 @@
 
 #include "app/model/AppModel.h"
 #include "app/vault/VaultModel.h"
-#include "ui/desktop/DesktopActivation.h"
-#include "ui/desktop/DesktopSettings.h"
-#include "ui/desktop/GlobalHotKey.h"
-#include "ui/desktop/LongWorkNotices.h"
-#include "ui/desktop/Notifications.h"
-#include "ui/desktop/QuickSearchPanelController.h"
-#include "ui/desktop/ScreenSaver.h"
-#include "ui/desktop/SystemAppearance.h"
-#include "ui/desktop/SystemSearch.h"
-#include "ui/desktop/Tray.h"
+#include "ui/quicksearch/QuickSearchPanelController.h"
+#include "ui/session/DesktopActivation.h"
+#include "ui/session/DesktopSettings.h"
+#include "ui/session/LongWorkNotices.h"
+#include "ui/session/Notifications.h"
+#include "ui/session/ScreenSaver.h"
+#include "ui/session/SystemAppearance.h"
+#include "ui/session/SystemSearch.h"
+#include "ui/session/Tray.h"
+#include "ui/shortcut/GlobalHotKey.h"
 
 class QQmlApplicationEngine;
 

@@ -1,7 +1,7 @@
 #include "ui/desktop/DesktopPorts.h"
 
 #include "base/FileDescriptor.h"
-#include "ui/desktop/Portal.h"
+#include "ui/session/Portal.h"
 
 #include <QClipboard>
 #include <QDBusMessage>

@@ -1,4 +1,4 @@
-#include "ui/desktop/ScreenSaver.h"
+#include "ui/session/ScreenSaver.h"
 
 namespace tovi {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/model/AppModel.h"
-#include "ui/desktop/DesktopSettings.h"
+#include "ui/session/DesktopSettings.h"
 
 #include <QDBusConnection>
 

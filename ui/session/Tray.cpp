@@ -1,4 +1,4 @@
-#include "ui/desktop/Tray.h"
+#include "ui/session/Tray.h"
 
 #include "core/library/LibraryOrder.h"
 
@@ -57,7 +57,7 @@ void Tray::setShown(bool isShown) {
     if (isShown == this->isShown()) return;
     if (isShown) {
         QQmlComponent component(&engine_,
-                                QUrl(QStringLiteral("qrc:/qt/qml/Tovi/desktop/TrayIcon.qml")));
+                                QUrl(QStringLiteral("qrc:/qt/qml/Tovi/session/TrayIcon.qml")));
         icon_.reset(component.create());
         if (!icon_) return qCritical("%s", qUtf8Printable(component.errorString()));
     } else {

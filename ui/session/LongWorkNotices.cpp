@@ -1,4 +1,4 @@
-#include "ui/desktop/LongWorkNotices.h"
+#include "ui/session/LongWorkNotices.h"
 
 #include <QLocale>
 #include <utility>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/desktop/SystemSearch.h"
+#include "ui/session/SystemSearch.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>

@@ -1,6 +1,6 @@
-#include "ui/desktop/SystemAppearance.h"
+#include "ui/session/SystemAppearance.h"
 
-#include "ui/desktop/Portal.h"
+#include "ui/session/Portal.h"
 
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/desktop/HotKeySource.h"
+#include "ui/shortcut/HotKeySource.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "ui/desktop/Notifications.h"
+#include "ui/session/Notifications.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>

@@ -1,7 +1,8 @@
-#include "ui/desktop/GlobalHotKey.h"
+#include "ui/shortcut/GlobalHotKey.h"
 
-#include "ui/desktop/PortalHotKey.h"
-#include "ui/desktop/X11HotKey.h"
+#include "ui/session/X11Connection.h"
+#include "ui/shortcut/PortalHotKey.h"
+#include "ui/shortcut/X11HotKey.h"
 
 namespace tovi {
 namespace {

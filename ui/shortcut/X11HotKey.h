@@ -1,16 +1,11 @@
 #pragma once
 
-#include "ui/desktop/HotKeySource.h"
+#include "ui/shortcut/HotKeySource.h"
 
 #include <QAbstractNativeEventFilter>
 #include <cstdint>
 
-struct xcb_connection_t;
-
 namespace tovi {
-
-/// The program's connection to the X server; none on other platforms.
-xcb_connection_t* x11Connection();
 
 /// Shortcuts of the X server. To be made where there is a connection to it.
 class X11HotKey final : public HotKeySource, public QAbstractNativeEventFilter {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/desktop/HotKeySource.h"
-#include "ui/desktop/Portal.h"
+#include "ui/session/Portal.h"
+#include "ui/shortcut/HotKeySource.h"
 
 namespace tovi {
 

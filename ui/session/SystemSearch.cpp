@@ -1,8 +1,8 @@
-#include "ui/desktop/SystemSearch.h"
+#include "ui/session/SystemSearch.h"
 
 #include "app/lists/QtConversions.h"
 #include "core/search/QueryParser.h"
-#include "ui/desktop/SystemSearchAdaptors.h"
+#include "ui/session/SystemSearchAdaptors.h"
 
 #include <utility>
 

@@ -1,4 +1,6 @@
-#include "ui/desktop/X11HotKey.h"
+#include "ui/shortcut/X11HotKey.h"
+
+#include "ui/session/X11Connection.h"
 
 #include <QGuiApplication>
 #include <array>
@@ -31,11 +33,6 @@ std::uint8_t keyCodeOf(xcb_keysym_t symbol) {
 }
 
 } // namespace
-
-xcb_connection_t* x11Connection() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
 
 X11HotKey::X11HotKey() {
     qGuiApp->installNativeEventFilter(this);

@@ -1,4 +1,4 @@
-#include "ui/desktop/DesktopSettings.h"
+#include "ui/session/DesktopSettings.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
-#include "ui/desktop/ActivationToken.h"
+#include "ui/session/ActivationToken.h"
 
-#include "ui/desktop/X11HotKey.h"
+#include "ui/session/X11Connection.h"
 
 #include <QWindow>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "ui/desktop/PortalHotKey.h"
+#include "ui/shortcut/PortalHotKey.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>

@@ -1,4 +1,4 @@
-#include "ui/desktop/DesktopActivation.h"
+#include "ui/session/DesktopActivation.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>

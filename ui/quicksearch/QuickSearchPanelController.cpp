@@ -1,6 +1,6 @@
-#include "ui/desktop/QuickSearchPanelController.h"
+#include "ui/quicksearch/QuickSearchPanelController.h"
 
-#include "ui/desktop/ActivationToken.h"
+#include "ui/session/ActivationToken.h"
 
 #include <QQmlComponent>
 

@@ -1,4 +1,4 @@
-#include "ui/desktop/Portal.h"
+#include "ui/session/Portal.h"
 
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>

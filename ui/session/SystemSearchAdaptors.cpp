@@ -1,4 +1,4 @@
-#include "ui/desktop/SystemSearchAdaptors.h"
+#include "ui/session/SystemSearchAdaptors.h"
 
 #include "app/lists/QtConversions.h"
 
