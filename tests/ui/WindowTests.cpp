@@ -180,13 +180,14 @@ class Window : public testing::Test {
         }
         key(Qt::Key_Tab);
         const QQuickItem* first = window()->activeFocusItem();
-        for (int step = 0; step < 150; ++step) {
+        int rounds = 0; // the second for what the first missed where a screen took the keyboard
+        for (int step = 0; step < 150 && rounds < 2; ++step) {
             const QQuickItem* item = window()->activeFocusItem();
             EXPECT_TRUE(item->isVisible() && !focused().isEmpty())
                 << "the keyboard is nowhere: " << item->metaObject()->className();
             unreached.erase(focused());
             key(Qt::Key_Tab);
-            if (window()->activeFocusItem() == first) break;
+            if (window()->activeFocusItem() == first) ++rounds;
         }
         QStringList names; // without those of controls that what was loaded meanwhile replaced
         for (QAccessibleInterface* each : told()) {

@@ -45,12 +45,16 @@ FocusScope {
         anchors.fill: parent
         spacing: 16
 
-        RowLayout {
+        GridLayout {
             Layout.fillWidth: true
             visible: screen.groups.count > 0 && !screen.isBusy
-            spacing: 8
+            readonly property bool isNarrow: screen.width < 740
+            columns: isNarrow ? 2 : 3
+            columnSpacing: 8
+            rowSpacing: 8
             SettingsChoice {
                 Layout.fillWidth: true
+                Layout.columnSpan: parent.isNarrow ? 2 : 1
                 label: qsTr("Keep of each group")
                 options: [
                     { value: "newest", text: qsTr("The newest") },
@@ -61,6 +65,7 @@ FocusScope {
                 onChosen: value => screen.keep = value
             }
             ActionButton {
+                Layout.alignment: Qt.AlignRight
                 text: qsTr("Search again")
                 symbol: "arrow.clockwise"
                 onClicked: App.duplicates.findDuplicates()
