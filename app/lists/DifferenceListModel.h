@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <numeric>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -32,13 +31,13 @@ class DifferenceListModel : public RowListModel {
 
     void replace(std::vector<Row> rows) {
         const std::size_t before = rows_.size();
-        std::vector<std::string> identities = dropRepeated(rows);
-        if (identities == identities_) return update(std::move(rows));
+        Content content = dropRepeated(rows);
+        if (content.identities == identities_) return update(std::move(rows));
         if (rows_.empty() || rows.empty()) {
             remove(0, rows_.size());
-            insertAtEnd(std::move(rows), std::move(identities));
+            insertAtEnd(std::move(rows), std::move(content.identities));
         } else {
-            bringTo(rows, identities);
+            bringTo(rows, content);
             update(std::move(rows));
         }
         if (rows_.size() != before) Q_EMIT countChanged();
@@ -46,7 +45,7 @@ class DifferenceListModel : public RowListModel {
 
     /// Adds rows at the end, without those that are there already.
     void append(std::vector<Row> rows) {
-        std::vector<std::string> identities = dropRepeated(rows);
+        Strings identities = dropRepeated(rows).identities;
         const std::unordered_set<std::string_view> known(identities_.begin(), identities_.end());
         const auto isKnown = [&](const Row& row) { return known.contains(identity_(row)); };
         std::erase_if(rows, isKnown);
@@ -93,18 +92,25 @@ class DifferenceListModel : public RowListModel {
     /// this the rows are sorted to or from the end instead, where they are one run.
     static constexpr std::size_t mostRuns = 16;
 
-    /// The identities of the rows that stay.
-    Strings dropRepeated(std::vector<Row>& rows) const {
+    struct Content {
         Strings identities;
+        std::unordered_map<std::string_view, std::size_t> placeOf; // by what `identities` hold
+    };
+
+    /// What is known of the rows that stay.
+    Content dropRepeated(std::vector<Row>& rows) const {
+        Content content;
+        Strings& identities = content.identities;
         identities.reserve(rows.size()); // views of them must last
-        std::unordered_set<std::string_view> seen(rows.size());
+        content.placeOf.reserve(rows.size());
         std::erase_if(rows, [&](const Row& row) {
             identities.push_back(identity_(row));
-            const bool isNew = seen.insert(identities.back()).second;
+            const bool isNew =
+                content.placeOf.emplace(identities.back(), identities.size() - 1).second;
             if (!isNew) identities.pop_back();
             return !isNew;
         });
-        return identities;
+        return content;
     }
 
     template <typename IsInRun>
@@ -116,10 +122,8 @@ class DifferenceListModel : public RowListModel {
     }
 
     /// The same rows in the same order as the new content, if not with the same values.
-    void bringTo(const std::vector<Row>& rows, const Strings& identities) {
-        std::unordered_map<std::string_view, std::size_t> placeOf(identities.size());
-        for (std::size_t at = 0; at < identities.size(); ++at)
-            placeOf.emplace(identities[at], at);
+    void bringTo(const std::vector<Row>& rows, const Content& content) {
+        const auto& [identities, placeOf] = content;
         Places places;
         places.reserve(rows_.size() + rows.size());
         std::vector<bool> isThere(rows.size());
@@ -159,28 +163,44 @@ class DifferenceListModel : public RowListModel {
         endRemoveRows();
     }
 
+    /// The rows by their places, of which each is taken once; those that are gone come last.
+    static std::vector<std::size_t> orderOf(const Places& places) {
+        std::vector<std::size_t> rowAt;
+        std::vector<std::size_t> goneRows;
+        for (std::size_t row = 0; row < places.size(); ++row) {
+            if (places[row] == gone) {
+                goneRows.push_back(row);
+                continue;
+            }
+            if (places[row] >= rowAt.size()) rowAt.resize(places[row] + 1, gone);
+            rowAt[places[row]] = row;
+        }
+        std::erase(rowAt, gone);
+        rowAt.insert(rowAt.end(), goneRows.begin(), goneRows.end());
+        return rowAt;
+    }
+
     /// Puts the rows into the order of their places.
     void sortBy(Places& places) {
         if (std::is_sorted(places.begin(), places.end())) return;
-        std::vector<std::size_t> order(rows_.size()); // old rows in their new order
-        std::iota(order.begin(), order.end(), 0U);
-        std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
-            return places[left] < places[right];
-        });
+        const std::vector<std::size_t> order = orderOf(places);
         Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
         std::vector<int> moved(rows_.size());
         std::vector<Row> rows;
         rows.reserve(rows_.size());
         Strings identities;
         identities.reserve(rows_.size());
+        Places sorted;
+        sorted.reserve(places.size());
         for (const std::size_t old : order) {
             moved[old] = static_cast<int>(rows.size());
             rows.push_back(std::move(rows_[old]));
             identities.push_back(std::move(identities_[old]));
+            sorted.push_back(places[old]);
         }
         rows_ = std::move(rows);
         identities_ = std::move(identities);
-        std::sort(places.begin(), places.end());
+        places = std::move(sorted);
         const QModelIndexList before = persistentIndexList();
         QModelIndexList after;
         for (const QModelIndex& index : before)

@@ -47,13 +47,17 @@ class Turns : public QObject {
             wall_.start();
             processorStart_ = threadMilliseconds();
         });
-        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
-            if (!wall_.isValid()) return;
-            longestWall_ = std::max(longestWall_, static_cast<double>(wall_.nsecsElapsed()) * 1e-6);
-            longestProcessor_ = std::max(longestProcessor_, threadMilliseconds() - processorStart_);
-            wall_.invalidate();
-        });
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &Turns::end);
     }
+
+    /// To be called also where nobody waits for events after a turn.
+    void end() {
+        if (!wall_.isValid()) return;
+        longestWall_ = std::max(longestWall_, static_cast<double>(wall_.nsecsElapsed()) * 1e-6);
+        longestProcessor_ = std::max(longestProcessor_, threadMilliseconds() - processorStart_);
+        wall_.invalidate();
+    }
+
     double takeLongestWall() { return std::exchange(longestWall_, 0); }
     double takeLongestProcessor() { return std::exchange(longestProcessor_, 0); }
 
@@ -71,6 +75,7 @@ void measure(const char* name, Turns& turns, Start start, IsDone isDone) {
     const double call = stopwatch.wall() * 1000;
     while (!isDone())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    turns.end();
     std::cout << nlohmann::ordered_json{{"name", name},
                                         {"wall", stopwatch.wall() * 1000},
                                         {"call", call},
