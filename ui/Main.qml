@@ -192,6 +192,7 @@ ApplicationWindow {
             spacing: 0
             Banner {
                 Layout.fillWidth: true
+                radius: 0
                 visible: App.notices.errorMessage !== ""
                 text: App.notices.errorMessage
                 action: App.isLoaded && !App.hasIndex ? qsTr("Build the index anew") : ""
@@ -200,6 +201,7 @@ ApplicationWindow {
             }
             Banner {
                 Layout.fillWidth: true
+                radius: 0
                 visible: App.folders.connectionMessage !== ""
                 isError: false
                 text: App.folders.connectionMessage

@@ -52,11 +52,10 @@ FocusScope {
             onDismissed: Downloads.refresh()
         }
 
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: groups.count > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
                 SplitView.preferredWidth: 236
@@ -158,11 +157,11 @@ FocusScope {
                 SplitView.preferredWidth: 280
                 SplitView.minimumWidth: 220
                 visible: isWanted
-                isWanted: screen.width > 900 && table.currentPath !== ""
+                isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: screen.shown
                     revision: screen.shown.count
-                    path: table.currentPath
+                    path: table.shownPath
                 }
             }
         }

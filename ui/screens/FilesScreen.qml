@@ -54,11 +54,10 @@ FocusScope {
             }
         }
 
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: screen.total > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
                 SplitView.fillWidth: true
@@ -86,11 +85,11 @@ FocusScope {
                 SplitView.preferredWidth: 300
                 SplitView.minimumWidth: 220
                 visible: isWanted
-                isWanted: screen.width > 900 && table.currentPath !== ""
+                isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: App.library.files
                     revision: App.library.filesRevision
-                    path: table.currentPath
+                    path: table.shownPath
                 }
             }
         }

@@ -101,11 +101,10 @@ FocusScope {
             onActed: Graph.refresh()
             onDismissed: Graph.refresh()
         }
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: list.count > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
                 SplitView.fillWidth: true

@@ -97,11 +97,10 @@ FocusScope {
             onDismissed: Timeline.refresh()
         }
 
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: periods.count > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
                 SplitView.preferredWidth: screen.width > 900 ? 290 : 230
