@@ -25,6 +25,9 @@ FocusScope {
     /// The row's roles; null without one.
     readonly property var currentFile: list.currentItem
     readonly property int count: list.count
+    /// The path of the current row once someone who runs through the list stands still; what shows
+    /// a file follows it.
+    property string shownPath: ""
 
     signal moreWanted
 
@@ -227,14 +230,42 @@ FocusScope {
         }
     }
 
-    // Someone who runs through a list looks at the last of the files only.
+    function showCurrent() {
+        shownPath = currentPath
+        Preview.show(shownPath, phrase)
+    }
     Timer {
         id: pause
         interval: 120
-        onTriggered: Preview.show(table.currentPath, table.phrase)
+        onTriggered: table.showCurrent()
     }
-    onCurrentPathChanged: pause.restart()
+    onCurrentPathChanged: {
+        if (!pause.running)
+            Qt.callLater(showCurrent)
+        pause.restart()
+    }
     onPhraseChanged: pause.restart()
+
+    // Rows that come in another order are other rows to the list.
+    Connections {
+        target: table.files
+        property string path: ""
+        function onRowsAboutToBeRemoved(parent, first, last) {
+            if (first === 0 && last === table.files.count - 1)
+                path = table.currentPath
+        }
+        function onRowsInserted() {
+            if (path !== "")
+                Qt.callLater(choose)
+        }
+        function choose() {
+            list.forceLayout()
+            list.currentIndex = table.files.rowOf(path)
+            if (list.currentIndex < 0)
+                App.selection.clear()
+            path = ""
+        }
+    }
 
     OnDemand {
         id: menu
