@@ -118,11 +118,7 @@ ApplicationWindow {
                     Layout.margins: 8
                     Layout.bottomMargin: 14
                     spacing: 10
-                    Image {
-                        source: "qrc:/qt/qml/Tovi/icons/tovi.svg"
-                        sourceSize: Qt.size(26, 26)
-                        Accessible.ignored: true
-                    }
+                    Mark { extent: 26 }
                     AppText {
                         text: "Tovi"
                         font.pixelSize: Theme.heading
@@ -148,6 +144,7 @@ ApplicationWindow {
                                 Layout.fillWidth: true
                                 text: modelData.text
                                 symbol: modelData.symbol
+                                isCompact: window.height < 680
                                 isCurrent: window.current.id === modelData.id
                                 onClicked: window.show(modelData.id)
                                 Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
@@ -160,6 +157,7 @@ ApplicationWindow {
                 RowLayout {
                     Layout.fillWidth: true
                     Layout.leftMargin: 8
+                    Layout.topMargin: 8
                     spacing: 4
                     AppText {
                         Layout.fillWidth: true
@@ -228,6 +226,7 @@ ApplicationWindow {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 24
         anchors.horizontalCenter: parent.horizontalCenter
+        anchors.horizontalCenterOffset: (LayoutMirroring.enabled ? -1 : 1) * (sidebar.visible ? sidebar.width / 2 : 0)
         property string receipt: ""
         onActed: if (receipt) App.plans.undo(receipt)
     }
@@ -267,6 +266,7 @@ ApplicationWindow {
     }
 
     onActiveFocusItemChanged: follow(activeFocusItem)
+    onCurrentChanged: follow(rows.itemAt(sections.indexOf(current)))
     onClosing: Vault.windowClosed()
 
     OnDemand { source: "sheets/PlanSheet.qml"; isWanted: App.plans.proposedPlan.id !== undefined }

@@ -59,18 +59,17 @@ long ownMegabytes() {
     return kibibytes * 1024 / 1'000'000;
 }
 
-/// The longest that the main thread worked without looking at its events, in processor time, which
-/// other programs on the machine do not add to.
+/// The longest that the main thread worked between two looks for events, in processor time, which
+/// neither waiting nor other programs add to. A dispatcher says that it is about to block before
+/// everything that it does in one go, or after; from one time to the next it did it once.
 class LongestTurn {
   public:
     LongestTurn() {
-        auto* dispatcher = QAbstractEventDispatcher::instance();
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &context_, [this] {
-            longest_ = std::max(longest_, now() - begun_);
-            begun_ = now();
-        });
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &context_,
-                         [this] { begun_ = now(); });
+        QObject::connect(QAbstractEventDispatcher::instance(),
+                         &QAbstractEventDispatcher::aboutToBlock, &context_, [this] {
+                             const double ended = now();
+                             longest_ = std::max(longest_, ended - std::exchange(begun_, ended));
+                         });
     }
 
     /// Since the last call.

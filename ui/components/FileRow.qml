@@ -71,9 +71,9 @@ Item {
     TableCell {
         id: sizeCell
         anchors.right: parent.right
-        anchors.rightMargin: 12
+        anchors.rightMargin: width > 0 ? 12 : 0
         width: row.owner.sizeWidth
-        text: row.sizeText
+        text: width > 0 ? row.sizeText : ""
         horizontalAlignment: Text.AlignRight
     }
     TableCell {

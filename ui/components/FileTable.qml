@@ -35,7 +35,7 @@ FocusScope {
     readonly property int folderWidth: width > 720 ? 200 : 0
     readonly property int kindWidth: width > 820 ? 90 : 0
     readonly property int dateWidth: 96
-    readonly property int sizeWidth: 76
+    readonly property int sizeWidth: width > 440 ? 76 : 0
     readonly property int rowHeight: Theme.rowHeight + (phrase === "" ? 0 : Theme.caption + 4)
 
     function pathAt(row) {
@@ -130,6 +130,7 @@ FocusScope {
             sorter: table.sorter
         }
         TableHeader {
+            visible: table.sizeWidth > 0
             Layout.preferredWidth: table.sizeWidth
             column: "size"
             text: qsTr("Size")

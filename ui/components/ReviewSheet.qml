@@ -25,7 +25,7 @@ Sheet {
 
     title: heading
     closePolicy: isExecuting ? Popup.NoAutoClose : Popup.CloseOnEscape
-    onOpened: cancel.forceActiveFocus()
+    onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
     onClosed: cancelled()
 
     ColumnLayout {

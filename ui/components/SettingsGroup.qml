@@ -38,7 +38,9 @@ Card {
 
     ColumnLayout {
         id: column
-        anchors.fill: parent
+        anchors.top: parent.top
+        anchors.left: parent.left
+        anchors.right: parent.right
         anchors.margins: 20
         spacing: 12
         AppText {

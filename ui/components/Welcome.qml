@@ -14,11 +14,9 @@ Item {
         width: Math.min(parent.width, 560)
         spacing: 16
 
-        Image {
+        Mark {
             Layout.alignment: Qt.AlignHCenter
-            source: "qrc:/qt/qml/Tovi/icons/tovi.svg"
-            sourceSize: Qt.size(72, 72)
-            Accessible.ignored: true
+            extent: 72
         }
         AppText {
             Layout.alignment: Qt.AlignHCenter

@@ -126,7 +126,8 @@ FocusScope {
                     anchors.top: parent.top
                     anchors.left: parent.left
                     anchors.right: parent.right
-                    anchors.margins: 16
+                    anchors.margins: 20
+                    anchors.topMargin: 16
                     text: screen.isLatest || screen.groupRow < 0 ? qsTr("Latest downloads")
                         : qsTr("%1  ·  %2").arg(Downloads.groups.value(screen.groupRow, "name"))
                             .arg(Format.size(Downloads.groups.value(screen.groupRow, "bytes")))
@@ -157,6 +158,7 @@ FocusScope {
                 SplitView.preferredWidth: 280
                 SplitView.minimumWidth: 220
                 visible: isWanted
+                asynchronous: true
                 isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: screen.shown

@@ -49,13 +49,13 @@ FocusScope {
             Layout.fillWidth: true
             visible: screen.groups.count > 0 && !screen.isBusy
             readonly property bool isNarrow: screen.width < 740
-            columns: isNarrow ? 2 : 3
+            columns: isNarrow ? 1 : 2
             columnSpacing: 8
             rowSpacing: 8
             SettingsChoice {
                 Layout.fillWidth: true
-                Layout.columnSpan: parent.isNarrow ? 2 : 1
                 label: qsTr("Keep of each group")
+                labelWidth: 0
                 options: [
                     { value: "newest", text: qsTr("The newest") },
                     { value: "oldest", text: qsTr("The oldest") },
@@ -64,16 +64,19 @@ FocusScope {
                 current: screen.keep
                 onChosen: value => screen.keep = value
             }
-            ActionButton {
+            RowLayout {
                 Layout.alignment: Qt.AlignRight
-                text: qsTr("Search again")
-                symbol: "arrow.clockwise"
-                onClicked: App.duplicates.findDuplicates()
-            }
-            ActionButton {
-                text: qsTr("Review all…")
-                isPrimary: true
-                onClicked: screen.proposeAll()
+                spacing: 8
+                ActionButton {
+                    text: qsTr("Search again")
+                    symbol: "arrow.clockwise"
+                    onClicked: App.duplicates.findDuplicates()
+                }
+                ActionButton {
+                    text: qsTr("Review all…")
+                    isPrimary: true
+                    onClicked: screen.proposeAll()
+                }
             }
         }
 
@@ -137,14 +140,18 @@ FocusScope {
                                 text: Format.path(modelData.path)
                                 elide: Text.ElideMiddle
                             }
-                            AppText {
-                                text: Format.date(modelData.modifiedAt)
-                                isSecondary: true
-                            }
                             Chip {
                                 visible: modelData.path === group.stays
                                 text: qsTr("Keep")
                                 symbol: "checkmark"
+                            }
+                            AppText {
+                                Layout.preferredWidth: 96
+                                Layout.preferredHeight: 24
+                                text: Format.date(modelData.modifiedAt)
+                                horizontalAlignment: Text.AlignRight
+                                verticalAlignment: Text.AlignVCenter
+                                isSecondary: true
                             }
                         }
                     }

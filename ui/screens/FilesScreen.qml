@@ -21,7 +21,8 @@ FocusScope {
             Layout.fillWidth: true
             title: screen.title
             subtitle: screen.total > 0
-                ? qsTr("Showing %1 of %2").arg(Format.count(App.library.files.count))
+                ? App.library.files.count === screen.total ? Format.counted(screen.total, qsTr("file"), qsTr("files"))
+                : qsTr("Showing %1 of %2").arg(Format.count(App.library.files.count))
                     .arg(Format.counted(screen.total, qsTr("file"), qsTr("files")))
                 : ""
             ActionButton {
@@ -85,6 +86,7 @@ FocusScope {
                 SplitView.preferredWidth: 300
                 SplitView.minimumWidth: 220
                 visible: isWanted
+                asynchronous: true
                 isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: App.library.files

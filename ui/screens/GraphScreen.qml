@@ -131,8 +131,8 @@ FocusScope {
                 }
             }
             Card {
-                SplitView.preferredWidth: screen.width > 900 ? 330 : 250
-                SplitView.minimumWidth: 240
+                SplitView.preferredWidth: screen.width > 900 ? 330 : 280
+                SplitView.minimumWidth: 270
                 ListView {
                     id: list
                     anchors.fill: parent

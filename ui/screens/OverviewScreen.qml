@@ -84,7 +84,7 @@ FocusScope {
                 SettingsGroup {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
-                    Layout.alignment: Qt.AlignTop
+                    Layout.fillHeight: true
                     title: qsTr("By kind")
                     Repeater {
                         model: screen.summary.kinds || []
@@ -137,7 +137,7 @@ FocusScope {
                 SettingsGroup {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
-                    Layout.alignment: Qt.AlignTop
+                    Layout.fillHeight: true
                     title: qsTr("Recent files")
                     Repeater {
                         model: App.library.recentFiles

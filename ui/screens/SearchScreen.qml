@@ -134,6 +134,7 @@ FocusScope {
                 SplitView.preferredWidth: 320
                 SplitView.minimumWidth: 220
                 visible: isWanted
+                asynchronous: true
                 isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: screen.found

@@ -19,7 +19,7 @@ FocusScope {
 
         ColumnLayout {
             id: column
-            x: 24
+            x: screen.LayoutMirroring.enabled ? parent.width - width - 24 : 24
             y: 24
             width: Math.min(parent.width - 48, 760)
             spacing: 16

@@ -35,7 +35,7 @@ Item {
         title: dialog.title
         onOpened: {
             answer = ""
-            yes.forceActiveFocus()
+            yes.forceActiveFocus(Qt.TabFocusReason)
         }
         onClosed: if (!dialog.visible) FolderDialogs.finish(answer)
 

@@ -29,7 +29,7 @@ Sheet {
     ]
 
     title: qsTr("Keys")
-    onOpened: closeButton.forceActiveFocus()
+    onOpened: closeButton.forceActiveFocus(Qt.TabFocusReason)
 
     ColumnLayout {
         width: parent.width

@@ -47,6 +47,10 @@ QtObject {
         return Math.floor(whole / 60) + ":" + String(whole % 60).padStart(2, "0")
     }
 
+    function folder(path) {
+        return path.substring(0, path.lastIndexOf("/"))
+    }
+
     function fileName(path) {
         return path.substring(path.lastIndexOf("/") + 1)
     }
