@@ -146,7 +146,11 @@ ApplicationWindow {
                                 symbol: modelData.symbol
                                 isCompact: window.height < 680
                                 isCurrent: window.current.id === modelData.id
-                                onClicked: window.show(modelData.id)
+                                onClicked: {
+                                    window.show(modelData.id)
+                                    if (modelData.id === "search")
+                                        content.item.begin()
+                                }
                                 Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
                                 Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
                                 Keys.onReturnPressed: clicked()
@@ -261,7 +265,7 @@ ApplicationWindow {
     Connections {
         target: FolderDialogs
         function onRequested(title, message, button, directory) {
-            folderDialog.get().ask(title + " — " + message, button, directory)
+            folderDialog.get().ask(title, message, button, directory)
         }
     }
 

@@ -219,7 +219,7 @@ TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithoutFiles) {
     tabTo(QStringLiteral("Connect your personal files"));
     key(Qt::Key_Space);
     ASSERT_TRUE(waitForFocus(QStringLiteral("Connect this folder")));
-    key(Qt::Key_Space);
+    key(Qt::Key_Return);
     ASSERT_TRUE(QTest::qWaitFor([&] { return model().folders()->roots().size() == 1; }));
     EXPECT_EQ(model().folders()->roots().front().path, uiProcess().home.path());
 }

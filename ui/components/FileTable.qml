@@ -247,24 +247,34 @@ FocusScope {
     }
     onPhraseChanged: pause.restart()
 
-    // Rows that come in another order are other rows to the list.
+    // Rows that come in another order are other rows to the list, as is a file under a new name.
     Connections {
+        id: rows
         target: table.files
-        property string path: ""
+        property string soughtPath: ""
+        property bool areAnew: false
         function onRowsAboutToBeRemoved(parent, first, last) {
-            if (first === 0 && last === table.files.count - 1)
-                path = table.currentPath
+            if (first > 0 || last < table.files.count - 1 || table.currentPath === "")
+                return
+            soughtPath = table.currentPath
+            areAnew = true
         }
         function onRowsInserted() {
-            if (path !== "")
+            if (soughtPath !== "")
                 Qt.callLater(choose)
         }
         function choose() {
+            const row = table.files.rowOf(soughtPath)
+            if (row < 0 && !areAnew)
+                return
             list.forceLayout()
-            list.currentIndex = table.files.rowOf(path)
-            if (list.currentIndex < 0)
+            list.currentIndex = row
+            if (row < 0)
                 App.selection.clear()
-            path = ""
+            else if (!areAnew)
+                App.selection.selectedIDs = [soughtPath]
+            soughtPath = ""
+            areAnew = false
         }
     }
 
@@ -279,16 +289,24 @@ FocusScope {
     }
     OnDemand {
         id: renameSheet
-        sourceComponent: RenameSheet {}
+        sourceComponent: RenameSheet {
+            onProposed: path => rows.soughtPath = path
+        }
     }
     OnDemand {
         id: preview
         sourceComponent: PreviewSheet { owner: table }
     }
-    Keys.onMenuPressed: menu.get().popup()
+    function showMenu() {
+        if (!list.currentItem)
+            return
+        menu.get().popup(list.currentItem, 40, rowHeight)
+        menu.item.currentIndex = 0
+    }
+    Keys.onMenuPressed: showMenu()
     Shortcut {
         sequence: "Shift+F10"
         enabled: list.activeFocus
-        onActivated: menu.get().popup()
+        onActivated: table.showMenu()
     }
 }

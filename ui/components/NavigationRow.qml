@@ -14,7 +14,7 @@ ItemDelegate {
     implicitHeight: isCompact ? Theme.compactRowHeight : Theme.rowHeight
     padding: 0
     leftPadding: 12
-    focusPolicy: isCurrent || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+    focusPolicy: isCurrent || activeFocus ? Qt.TabFocus : Qt.NoFocus
     rightPadding: 8
     Accessible.role: Accessible.ListItem
     Accessible.name: text

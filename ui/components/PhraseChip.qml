@@ -11,6 +11,8 @@ AbstractButton {
     implicitWidth: row.implicitWidth + 22
     Accessible.name: qsTr("Remove %1").arg(text)
     Keys.onDeletePressed: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     Keys.onPressed: event => {
         event.accepted = event.key === Qt.Key_Backspace
         if (event.accepted)

@@ -59,7 +59,7 @@ Sheet {
             clip: true
             model: sheet.rows
             boundsBehavior: Flickable.StopAtBounds
-            ScrollBar.vertical: ScrollBar {}
+            ScrollBar.vertical: ScrollBar { policy: list.contentHeight > list.height ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded }
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Files of the plan")
             delegate: RowLayout {

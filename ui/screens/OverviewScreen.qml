@@ -95,6 +95,8 @@ FocusScope {
                             Layout.fillWidth: true
                             implicitHeight: Theme.rowHeight
                             Accessible.name: modelData.title + ", " + Format.count(modelData.count)
+                            Keys.onReturnPressed: clicked()
+                            Keys.onEnterPressed: clicked()
                             onClicked: {
                                 App.library.libraryKind = modelData.kind
                                 App.section = "files"
@@ -152,6 +154,8 @@ FocusScope {
                             implicitHeight: Theme.rowHeight + 8
                             Accessible.name: name
                             Accessible.description: qsTr("Open, in %1, modified %2").arg(Format.path(folder)).arg(Format.date(modifiedAt))
+                            Keys.onReturnPressed: clicked()
+                            Keys.onEnterPressed: clicked()
                             onClicked: App.open(path)
                             background: Rectangle {
                                 radius: Theme.rowRadius
