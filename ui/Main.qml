@@ -306,6 +306,14 @@ ApplicationWindow {
                 rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
         }
     }
+    // From what vanished, such as the button of an empty screen, and from a screen where nothing has
+    // the keyboard yet, Tab would begin in the sidebar.
+    Shortcut {
+        sequence: "Tab"
+        enabled: window.activeFocusItem !== null && (!window.activeFocusItem.visible
+            || window.activeFocusItem === content.item || window.activeFocusItem.parent === null)
+        onActivated: content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+    }
     Shortcut { sequence: "Ctrl+W"; onActivated: window.close() }
     Shortcut { sequences: [StandardKey.Quit]; onActivated: Qt.quit() }
 }

@@ -237,8 +237,8 @@ TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
     model().duplicates()->findDuplicates();
     ASSERT_TRUE(QTest::qWaitFor([&] { return model().duplicates()->hasSearched(); }));
     checkAllScreens();
-    model().setSection(QStringLiteral("settings"));
-    tabTo(QStringLiteral("Find a setting"));
+    key(Qt::Key_Comma, Qt::ControlModifier);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Find a setting")));
     type(QStringLiteral("tray"));
     EXPECT_TRUE(isTold(QStringLiteral("Keep running in the tray")));
     EXPECT_FALSE(isTold(QStringLiteral("More contrast")));

@@ -30,6 +30,7 @@ FocusScope {
                 subtitle: qsTr("Every change applies at once")
                 InputField {
                     id: field
+                    focus: true
                     Layout.preferredWidth: 240
                     label: qsTr("Find a setting")
                     placeholderText: label
