@@ -85,6 +85,7 @@ void AppModel::connectParts() {
         filesChanged();
         scan_.rescan();
     });
+    connect(this, &AppModel::libraryFilesChanged, &duplicates_, &DuplicatesModel::checkPlaces);
 }
 
 QString AppModel::modelStatus() const {
@@ -419,8 +420,8 @@ void AppModel::planAgent(const QString& instruction) {
     plans_.planAgent(instruction, selection_.paths());
 }
 
-void AppModel::proposeDuplicateTrash(const QStringList& trash, const QStringList& keep) {
-    plans_.proposeDuplicateTrash(duplicates_.records(trash), duplicates_.records(keep));
+void AppModel::proposeDuplicateTrash(const QString& digest) {
+    plans_.proposeDuplicateTrash(duplicates_.copies(digest));
 }
 
 bool AppModel::open(const QString& path) {
