@@ -75,6 +75,9 @@ void AppModel::connectParts() {
                 spaces_.moveFiles(fromQt(from), fromQt(to));
                 std::replace(removals_.begin(), removals_.end(), fromQt(from), fromQt(to));
             });
+    connect(&folders_, &FoldersModel::rootReturned, &scan_, [this] {
+        if (options_.automaticallyScan) scan_.filesDidChange();
+    });
     connect(&scan_, &ScanModel::libraryFilled, this,
             [this] { library_.reloadPage("Could not update the live library: "); });
     connect(&scan_, &ScanModel::scanEnded, this, &AppModel::filesChanged);
