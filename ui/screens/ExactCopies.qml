@@ -121,7 +121,7 @@ FocusScope {
                                 symbol: "checkmark"
                             }
                             AppText {
-                                Layout.preferredWidth: 96
+                                Layout.preferredWidth: Math.max(96, implicitWidth)
                                 Layout.preferredHeight: 24
                                 text: Format.date(modelData.modifiedAt)
                                 horizontalAlignment: Text.AlignRight
@@ -145,7 +145,7 @@ FocusScope {
                 sentence: App.duplicates.hasSearched
                     ? qsTr("No two of your indexed files are the same.")
                     : qsTr("Files of the same size are compared byte for byte. Nothing is changed.")
-                action: App.duplicates.hasSearched ? "" : qsTr("Find duplicates")
+                action: App.duplicates.hasSearched ? qsTr("Search again") : qsTr("Find duplicates")
                 onActed: App.duplicates.findDuplicates()
             }
             ColumnLayout {

@@ -70,7 +70,8 @@ Item {
                     spacing: 12
                     Statement {
                         symbol: "folder"
-                        text: VaultDialogs.path(sheet.folder)
+                        readonly property string path: VaultDialogs.path(sheet.folder)
+                        text: path === Format.home ? qsTr("Your home folder") : Format.path(path)
                     }
                     Promises { Layout.fillWidth: true }
                 }
