@@ -321,6 +321,15 @@ TEST_F(Window, SortsPreviewsAndDragsFiles) {
     ASSERT_TRUE(waitForFocus(QStringLiteral("a long.txt")));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Preview of")); }));
 
+    key(Qt::Key_F2);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("New name")));
+    type(QStringLiteral("kept"));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    key(Qt::Key_Tab);
+    key(Qt::Key_Return);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("kept.txt"))) << "the same file under its new name";
+
     const QPoint from = window()->mapFromGlobal(find(QStringLiteral("b & c.txt"))->rect().center());
     QTest::mousePress(window(), Qt::LeftButton, {}, from);
     for (int step = 1; step < 6; ++step)
