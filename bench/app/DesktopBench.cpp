@@ -1,7 +1,7 @@
 // How the window behaves on a large library: desktop DATA-DIRECTORY
+#include "bench/app/LongestTurn.h"
 #include "ui/desktop/Application.h"
 
-#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -15,6 +15,8 @@
 
 namespace tovi {
 namespace {
+
+using bench::processorMilliseconds;
 
 class NoOpener final : public FileOpener {
   public:
@@ -37,12 +39,6 @@ double sinceProcessStart() {
            static_cast<double>(started) * 1e3 / static_cast<double>(::sysconf(_SC_CLK_TCK));
 }
 
-double processorMilliseconds(clockid_t clock) {
-    timespec used{};
-    ::clock_gettime(clock, &used);
-    return static_cast<double>(used.tv_sec) * 1e3 + static_cast<double>(used.tv_nsec) / 1e6;
-}
-
 /// Without the pages of the index that it maps, which can be dropped at any time.
 long ownMegabytes() {
     std::ifstream maps("/proc/self/smaps");
@@ -58,33 +54,6 @@ long ownMegabytes() {
     }
     return kibibytes * 1024 / 1'000'000;
 }
-
-/// The longest that the main thread worked between two looks for events, in processor time, which
-/// neither waiting nor other programs add to. A dispatcher says that it is about to block before
-/// everything that it does in one go, or after; from one time to the next it did it once.
-class LongestTurn {
-  public:
-    LongestTurn() {
-        QObject::connect(QAbstractEventDispatcher::instance(),
-                         &QAbstractEventDispatcher::aboutToBlock, &context_, [this] {
-                             const double ended = now();
-                             longest_ = std::max(longest_, ended - std::exchange(begun_, ended));
-                         });
-    }
-
-    /// Since the last call.
-    double take() {
-        begun_ = now();
-        return std::exchange(longest_, 0);
-    }
-
-  private:
-    static double now() { return processorMilliseconds(CLOCK_THREAD_CPUTIME_ID); }
-
-    QObject context_;
-    double begun_ = now();
-    double longest_ = 0;
-};
 
 template <typename Condition>
 void waitFor(Condition condition) {
@@ -112,7 +81,7 @@ void scroll(QQuickWindow& window, int pages) {
 }
 
 void run(const std::string& dataDirectory) {
-    LongestTurn turns;
+    bench::LongestTurn turns;
     NoOpener opener;
     Application application({.dataDirectory = dataDirectory,
                              .isDataDirectoryGiven = true,
