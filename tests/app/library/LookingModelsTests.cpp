@@ -123,7 +123,7 @@ TEST_F(LookingModelsTest, PreviewShowsTheTextOfTheLastFileWithTheWordsSearchedFo
     EXPECT_EQ(model.excerpt(), QString()) << "not that of another file";
     executor.settle();
     EXPECT_FALSE(model.isLoading());
-    EXPECT_EQ(model.marked(toQt("Who is the landlord"), toQt("who is the landlord?")),
+    EXPECT_EQ(model.marked(toQt("Who is\nthe landlord"), toQt("who is the landlord?"), toQt("pdf")),
               toQt("Who is the <b>landlord</b>"));
 }
 
