@@ -310,7 +310,11 @@ TEST_F(Window, SortsPreviewsAndDragsFiles) {
         return model().library()->files()->value(0, QStringLiteral("name")) ==
                QStringLiteral("a long.txt");
     }));
-    ASSERT_TRUE(waitForFocus(QStringLiteral("b & c.txt"))) << "the same file";
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        const auto* row = QAccessible::queryAccessibleInterface(window()->activeFocusItem());
+        return row && row->text(QAccessible::Name) == QStringLiteral("b & c.txt") &&
+               row->text(QAccessible::Description).contains(QStringLiteral("row 2 of 2"));
+    })) << "the same file";
 
     key(Qt::Key_Space);
     ASSERT_TRUE(waitForFocus(QStringLiteral("Preview of b & c.txt")));
