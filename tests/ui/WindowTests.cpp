@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QFile>
 #include <QImage>
+#include <QQmlExpression>
 #include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -424,6 +425,22 @@ TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
     tabTo(QStringLiteral("Undo"));
     key(Qt::Key_Space);
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(installer); }));
+}
+
+TEST_F(Window, FindsASettingAndLooksAsItSays) {
+    open();
+    model().setSection(QStringLiteral("settings"));
+    ASSERT_TRUE(waitUntilTold(QStringLiteral("Find a setting")));
+    tabTo(QStringLiteral("Find a setting"));
+    type(QStringLiteral("contrast"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("What is read")); }));
+    QQmlExpression hasContrast(qmlContext(window()), window(),
+                               QStringLiteral("Theme.highContrast"));
+    for (const char* choice : {"On", "Off"}) {
+        tabTo(QLatin1String(choice));
+        key(Qt::Key_Space);
+        EXPECT_EQ(hasContrast.evaluate(), QVariant(choice == std::string("On")));
+    }
 }
 
 TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {

@@ -18,8 +18,8 @@ Card {
     }
     function textOf(item) {
         let text = item.text || ""
-        for (const child of item.children)
-            text += " " + textOf(child)
+        for (let at = 0; at < item.children.length; ++at)
+            text += " " + textOf(item.children[at])
         return text
     }
 

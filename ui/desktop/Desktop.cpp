@@ -119,10 +119,8 @@ int runDesktop(int argc, char** argv) {
              .isWindowShown = !commandLine.isQuickSearch() && !commandLine.isService()},
             opener);
         if (!desktop.window()) return 1;
-        QObject::connect(&opener, &SystemFileOpener::failed, desktop.model().notices(),
-                         [&desktop](const QString& sentence) {
-                             desktop.model().notices()->setError(sentence.toStdString());
-                         });
+        QObject::connect(&opener, &SystemFileOpener::failed, &desktop.integration(),
+                         &DesktopIntegration::showError);
         desktop.integration().obey(activation, search);
         if (commandLine.isQuickSearch()) desktop.integration().showQuickSearch({});
         return QCoreApplication::exec();

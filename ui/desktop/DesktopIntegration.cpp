@@ -35,9 +35,7 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
     connect(&panel_, &QuickSearchPanelController::dismissed, this, [this] {
         if (!window()->isVisible() && !livesInTray()) QCoreApplication::quit();
     });
-    connect(&settings_, &DesktopSettings::failed, this, [this](const QString& sentence) {
-        model_.notices()->setError(sentence.toStdString());
-    });
+    connect(&settings_, &DesktopSettings::failed, this, &DesktopIntegration::showError);
     connect(&settings_, &DesktopSettings::changed, this, &DesktopIntegration::followTray);
     connect(&tray_, &Tray::shownChanged, this, &DesktopIntegration::followTray);
     connect(qGuiApp, &QGuiApplication::lastWindowClosed, this,
@@ -57,8 +55,12 @@ void DesktopIntegration::obey(const DesktopActivation& activation, SystemSearch&
             &DesktopIntegration::showQuickSearch);
     search.answerFrom(executor_, model_, settings_);
     connect(&search, &SystemSearch::asked, this, &DesktopIntegration::endWhenUnused);
-    connect(&search, &SystemSearch::openRequested, &model_, &AppModel::open);
-    connect(&search, &SystemSearch::revealRequested, &model_, &AppModel::reveal);
+    connect(&search, &SystemSearch::openRequested, this, [this](const QString& path) {
+        if (!model_.open(path)) showWindow({});
+    });
+    connect(&search, &SystemSearch::revealRequested, this, [this](const QString& path) {
+        if (!model_.reveal(path)) showWindow({});
+    });
     connect(&search, &SystemSearch::searchRequested, this, [this](const QString& phrase) {
         model_.setSection(QStringLiteral("search"));
         model_.search()->search(phrase);
@@ -70,9 +72,13 @@ QQuickWindow* DesktopIntegration::window() const {
     return qobject_cast<QQuickWindow*>(engine_.rootObjects().value(0));
 }
 
+void DesktopIntegration::showError(const QString& sentence) {
+    model_.notices()->setError(sentence.toStdString());
+    if (window()->isVisible()) return window()->alert(0);
+    showWindow({});
+}
+
 void DesktopIntegration::showWindow(const QVariantMap& platformData) {
-    window()->setWindowStates(window()->windowStates() & ~Qt::WindowMinimized);
-    window()->show();
     activate(*window(), platformData);
 }
 

@@ -45,6 +45,8 @@ class DesktopIntegration : public QObject {
     /// In front, as far as the desktop allows that for `platformData`.
     void showWindow(const QVariantMap& platformData);
     void showQuickSearch(const QVariantMap& platformData);
+    /// Above the screen, in a window that is shown for it or asks for attention. A whole sentence.
+    void showError(const QString& sentence);
     QuickSearchState& quickSearch() { return quickSearch_; }
 
   private:

@@ -16,6 +16,7 @@ ItemDelegate {
     /// Among the visible rows, from 1: its key with Alt.
     required property int place
 
+    verticalPadding: 0
     leftPadding: 12
     rightPadding: 12
     focusPolicy: Qt.NoFocus

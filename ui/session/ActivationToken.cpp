@@ -89,12 +89,19 @@ QVariantMap startedPlatformData() {
 }
 
 void activate(QWindow& window, const QVariantMap& platformData) {
-    window.raise();
-    const QString token = platformData.value(tokenKey).toString();
-    // From here Qt's Wayland platform takes it.
-    if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-    window.requestActivate();
     const QString startup = platformData.value(startupKey).toString();
+    if (!x11Connection()) {
+        // Desktops of before 2023 pass the token under the name of X11.
+        const QString token = platformData.value(tokenKey, startup).toString();
+        // From here Qt's Wayland platform takes it.
+        if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+        // Without one desktops bring only a window to the front that is new to them.
+        if (token.isEmpty() && window.isExposed() && !window.isActive()) window.hide();
+    }
+    window.setWindowStates(window.windowStates() & ~Qt::WindowMinimized);
+    window.setVisible(true);
+    window.raise();
+    window.requestActivate();
     if (!x11Connection() || startup.isEmpty()) return;
     const RootMessages messages(x11Connection());
     const auto native = static_cast<xcb_window_t>(window.winId());
