@@ -65,8 +65,8 @@ ApplicationWindow {
         visited = visited.slice(0, -1)
     }
 
-    width: 1180
-    height: 760
+    width: Math.min(1180, Screen.width - 40)
+    height: Math.min(760, Screen.height - 120) // with its title between the bars of a small desktop
     minimumWidth: 720
     minimumHeight: 480
     visible: true

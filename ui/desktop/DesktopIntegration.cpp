@@ -56,6 +56,7 @@ void DesktopIntegration::obey(const DesktopActivation& activation, SystemSearch&
     connect(&activation, &DesktopActivation::activated, this, &DesktopIntegration::showWindow);
     connect(&activation, &DesktopActivation::quickSearchRequested, this,
             &DesktopIntegration::showQuickSearch);
+    if (window()->isVisible()) tray_.appear();
     search.answerFrom(executor_, model_, settings_);
     connect(&search, &SystemSearch::asked, &presence_, &Presence::answer);
     connect(&search, &SystemSearch::openRequested, this, [this](const QString& path) {
@@ -83,6 +84,7 @@ void DesktopIntegration::showError(const QString& sentence) {
 
 void DesktopIntegration::showWindow(const QVariantMap& platformData) {
     activate(*window(), platformData);
+    tray_.appear();
 }
 
 /// Without a tray a closed window is the end.

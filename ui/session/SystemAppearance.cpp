@@ -17,13 +17,10 @@ const QString gnome = QStringLiteral("org.gnome.desktop.interface");
 const QString gnomeAccessibility = QStringLiteral("org.gnome.desktop.a11y.interface");
 const QString kde = QStringLiteral("org.kde.kdeglobals.KDE");
 
-using Values = QMap<QString, QVariantMap>; // by their space
-
 } // namespace
 
 SystemAppearance::SystemAppearance(QDBusConnection bus) : bus_(std::move(bus)) {
     qRegisterMetaType<QDBusVariant>();
-    qDBusRegisterMetaType<Values>();
     if (!bus_.isConnected()) return;
     [[maybe_unused]] const bool isHeard =
         bus_.connect(portal::service, portal::path, settings, QStringLiteral("SettingChanged"),
@@ -35,22 +32,33 @@ SystemAppearance::SystemAppearance(QDBusConnection bus) : bus_(std::move(bus)) {
     read();
 }
 
+/// One by one: of values that several portals know, ReadAll gives all and does not say whose.
 void SystemAppearance::read() {
-    QDBusMessage call = QDBusMessage::createMethodCall(portal::service, portal::path, settings,
-                                                       QStringLiteral("ReadAll"));
-    call << QStringList{common, gnome, gnomeAccessibility, kde};
-    auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        answer->deleteLater();
-        const QDBusPendingReply<Values> found = *answer;
-        if (found.isError()) return;
-        values_ = found.value();
-        Q_EMIT changed();
-    });
+    for (const auto& [space, key] : {std::pair(common, "color-scheme"),
+                                     {common, "contrast"},
+                                     {common, "reduced-motion"},
+                                     {gnomeAccessibility, "high-contrast"},
+                                     {gnome, "enable-animations"},
+                                     {kde, "AnimationDurationFactor"}}) {
+        QDBusMessage call = QDBusMessage::createMethodCall(portal::service, portal::path, settings,
+                                                           QStringLiteral("Read"));
+        call << space << QString::fromLatin1(key);
+        auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+        connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, call] {
+            answer->deleteLater();
+            const QDBusPendingReply<QDBusVariant> found = *answer;
+            if (!found.isError())
+                change(call.arguments()[0].toString(), call.arguments()[1].toString(),
+                       found.value());
+        });
+    }
 }
 
 void SystemAppearance::change(const QString& space, const QString& key, const QDBusVariant& value) {
-    values_[space][key] = value.variant();
+    QVariant plain = value.variant();
+    if (plain.userType() == qMetaTypeId<QDBusVariant>())
+        plain = plain.value<QDBusVariant>().variant();
+    values_[space][key] = plain;
     Q_EMIT changed();
 }
 
