@@ -80,5 +80,25 @@ TEST_F(LongWorkTest, OffersToTakeALongMoveBack) {
     EXPECT_EQ(told.size(), 1U);
 }
 
+TEST_F(LongWorkTest, OffersToTakeALongCleanupBack) {
+    tree.write("Screenshot 2020-01-01 at 9.png", "123");
+    tree.setModified("Screenshot 2020-01-01 at 9.png", executor.now().seconds - 100 * 86'400);
+    connectTree();
+    cleanup->scan();
+    executor.settle();
+    cleanup->candidates()->toggle(at("Screenshot 2020-01-01 at 9.png"));
+    cleanup->review();
+    executor.settle();
+    cleanup->confirm(cleanup->proposedPlanValues()[QStringLiteral("id")].toString());
+    executor.pass(11);
+    executor.settle();
+    ASSERT_EQ(told.size(), 1U) << error();
+    EXPECT_EQ(told[0].section, QStringLiteral("storage"));
+    EXPECT_FALSE(told[0].text.contains(QStringLiteral("Screenshot")));
+    told[0].undo();
+    executor.settle();
+    EXPECT_TRUE(std::filesystem::exists(tree.path("Screenshot 2020-01-01 at 9.png")));
+}
+
 } // namespace
 } // namespace tovi

@@ -15,6 +15,7 @@ from gi.repository import GLib
 
 BIN = pathlib.Path(sys.argv.pop(1)).resolve()
 TOVI = "app.ardeno.Tovi"
+WATCHER = "org.kde.StatusNotifierWatcher"
 MOCK = "org.freedesktop.DBus.Mock"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = "org.a11y.atspi.Registry"
