@@ -29,6 +29,8 @@ Window {
     x: Screen.virtualX + Math.round((Screen.width - width) / 2)
     y: Screen.virtualY + Math.round(Screen.height / 5)
     color: isPlaced ? Theme.raised : "transparent"
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
     onActiveChanged: if (!active && visible) dismissed()
     onClosing: dismissed()
 

@@ -46,7 +46,7 @@ ItemDelegate {
             }
             AppText {
                 Layout.fillWidth: true
-                text: row.folder
+                text: Format.path(row.folder)
                 textFormat: Text.PlainText
                 elide: Text.ElideMiddle
                 maximumLineCount: 1
