@@ -12,8 +12,6 @@
 namespace tovi::cli {
 namespace {
 
-constexpr std::size_t largestPlan = 500; // files
-
 void printPlan(const ActionPlan& plan) {
     std::int64_t total = 0;
     fmt::print("{}\n", bold(plan.title));
@@ -55,18 +53,9 @@ void reviewAndExecute(const ActionPlan& plan, const std::string& confirmation, F
                      confirmation, context);
 }
 
-bool CopiesToTrash::add(const FileRecord& file) {
-    if (files_.size() == largestPlan) {
-        ++left_;
-        return false;
-    }
-    files_.push_back(file);
-    return true;
-}
-
-void CopiesToTrash::review(const char* noun, const std::string& confirmation,
-                           Context& context) const {
-    if (files_.empty()) {
+void reviewAndExecute(const CopiesToTrash& copies, const char* noun,
+                      const std::string& confirmation, Context& context) {
+    if (copies.files().empty()) {
         if (context.json)
             context.print({{"plan", nullptr}});
         else
@@ -74,9 +63,12 @@ void CopiesToTrash::review(const char* noun, const std::string& confirmation,
         return;
     }
     FileActions actions(context);
-    const ActionPlan plan = actions.service().plan(files_, FileOperation::trash, {},
-                                                   actions.roots(), keepers_, context.stop);
-    if (left_ > 0) fmt::print(stderr, "{} more for a further plan.\n", formatCount(left_, noun));
+    const ActionPlan plan = actions.service().plan(copies.files(), FileOperation::trash, {},
+                                                   actions.roots(), copies.keepers(), context.stop);
+    if (copies.left() > 0) {
+        fmt::print(stderr, "{} more for a further plan.\n",
+                   formatCount(static_cast<std::int64_t>(copies.left()), noun));
+    }
     reviewAndExecute(plan, confirmation, actions, context);
 }
 

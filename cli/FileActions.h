@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/Confirmation.h"
+#include "core/actions/CopiesToTrash.h"
 #include "core/actions/FileActionService.h"
 
 #include <string>
@@ -35,22 +36,9 @@ struct FileArguments {
 /// Plans the operation on these files, and executes it after a review.
 void reviewAndExecute(const FileArguments& arguments, FileOperation operation, Context& context);
 
-/// Some of many groups of alike files: as many as one plan takes, the rest only counted.
-class CopiesToTrash {
-  public:
-    /// A file that goes, while there is room for it; false once the plan is full.
-    bool add(const FileRecord& file);
-    /// A file that stays and must be there, unchanged, when the others go.
-    void keep(const FileRecord& file) { keepers_.push_back(file); }
-
-    /// Moves them to the Trash after a review. `noun` names one of them in what is printed.
-    void review(const char* noun, const std::string& confirmation, Context& context) const;
-
-  private:
-    std::vector<FileRecord> files_;
-    std::vector<FileRecord> keepers_;
-    std::int64_t left_ = 0;
-};
+/// Moves the copies to the Trash after a review. `noun` names one of them in what is printed.
+void reviewAndExecute(const CopiesToTrash& copies, const char* noun,
+                      const std::string& confirmation, Context& context);
 
 /// Executes a plan after a review.
 void reviewAndExecute(const ActionPlan& plan, const std::string& confirmation, FileActions& actions,

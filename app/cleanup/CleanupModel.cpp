@@ -104,7 +104,12 @@ CleanupModel::CleanupModel(AppModel& app, CleanupModelSystem system)
            {"undone", [](const CleanupReceipt& receipt) { return receipt.undone; }},
            {"canUndo", canUndo},
            {"error",
-            [](const CleanupReceipt& receipt) { return toQt(receipt.error.value_or("")); }}}) {
+            [](const CleanupReceipt& receipt) { return toQt(receipt.error.value_or("")); }}}),
+      items_([](const CleanupPlannedItem& item) { return item.sourcePath; },
+             {{"path", [](const CleanupPlannedItem& item) { return toQt(item.sourcePath); }},
+              {"size", [](const CleanupPlannedItem& item) { return bytesOf(item.size); }},
+              {"categoryTitle",
+               [](const CleanupPlannedItem& item) { return toQt(title(item.category)); }}}) {
     connect(&app_, &AppModel::loaded, this, &CleanupModel::open);
     connect(&app_, &AppModel::libraryAccessChanged, this, &CleanupModel::accessChanged);
     // What just ended may begin again at once, so look a moment later.
@@ -285,26 +290,19 @@ QVariantMap CleanupModel::reportValues() const {
 
 QVariantMap CleanupModel::proposedPlanValues() const {
     if (!plan_) return {};
-    QVariantList items;
     qint64 total = 0;
-    for (const CleanupPlannedItem& item : plan_->items) {
+    for (const CleanupPlannedItem& item : plan_->items)
         total += item.size;
-        items.append(QVariantMap{{QStringLiteral("path"), toQt(item.sourcePath)},
-                                 {QStringLiteral("name"), toQt(item.name)},
-                                 {QStringLiteral("size"), bytesOf(item.size)},
-                                 {QStringLiteral("category"), toQt(rawValue(item.category))},
-                                 {QStringLiteral("categoryTitle"), toQt(title(item.category))}});
-    }
     return {{QStringLiteral("id"), toQt(plan_->id.string())},
             {QStringLiteral("title"), toQt(plan_->title)},
             {QStringLiteral("explanation"), toQt(plan_->explanation)},
-            {QStringLiteral("totalSize"), total},
-            {QStringLiteral("items"), items}};
+            {QStringLiteral("totalSize"), total}};
 }
 
 void CleanupModel::setPlan(std::optional<CleanupPlan> plan) {
     isPreparingReview_ = false;
     plan_ = std::move(plan);
+    items_.replace(plan_ ? plan_->items : std::vector<CleanupPlannedItem>());
     Q_EMIT changed();
 }
 

@@ -38,6 +38,7 @@ class CleanupModel : public QObject {
     Q_PROPERTY(bool isPreparingReview READ isPreparingReview NOTIFY changed)
     Q_PROPERTY(bool isExecuting READ isExecuting NOTIFY changed)
     Q_PROPERTY(QVariantMap proposedPlan READ proposedPlanValues NOTIFY changed)
+    Q_PROPERTY(tovi::RowListModel* plannedItems READ plannedItems CONSTANT)
     Q_PROPERTY(bool automaticRefresh READ automaticRefresh WRITE setAutomaticRefresh NOTIFY
                    settingsChanged)
     Q_PROPERTY(int refreshHours READ refreshHours WRITE setRefreshHours NOTIFY settingsChanged)
@@ -69,9 +70,10 @@ class CleanupModel : public QObject {
     bool isPreparingReview() const { return isPreparingReview_; }
     /// Whether items are being moved to the Trash or back.
     bool isExecuting() const { return isExecuting_; }
-    /// id, title, explanation, totalSize and items (list of path, name, size, category,
-    /// categoryTitle); empty unless a plan waits to be confirmed.
+    /// id, title, explanation and totalSize; empty unless a plan waits to be confirmed.
     QVariantMap proposedPlanValues() const;
+    /// Its items. Roles: path, size and categoryTitle.
+    RowListModel* plannedItems() { return &items_; }
 
     /// Whether to scan from time to time without being asked.
     bool automaticRefresh() const { return settings_.automaticRefresh; }
@@ -136,6 +138,7 @@ class CleanupModel : public QObject {
     std::shared_ptr<Service> service_;
     std::optional<CleanupReport> report_;
     std::optional<CleanupPlan> plan_;
+    DifferenceListModel<CleanupPlannedItem> items_; // of the plan
     QString status_;
     QString scannedPath_;
     qint64 scannedEntries_ = 0;

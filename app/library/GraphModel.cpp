@@ -125,7 +125,9 @@ void GraphModel::refresh() {
         executor_, this, generation_,
         [index = index_, path = fromQt(center_), depth = depth_,
          groups = groups_()](const std::stop_token& stop) {
-            return connectionGraph(*index, path, depth, groups.projects, groups.duplicates, stop);
+            const auto duplicates =
+                groups.duplicates ? groups.duplicates() : std::vector<std::vector<std::string>>();
+            return connectionGraph(*index, path, depth, groups.projects, duplicates, stop);
         },
         [this](Outcome<std::optional<std::vector<GraphNode>>> outcome) {
             isLoading_ = false;

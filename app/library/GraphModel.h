@@ -21,10 +21,11 @@ class GraphModel : public QObject {
     Q_PROPERTY(QString error READ error NOTIFY changed)
 
   public:
-    /// What the index does not know: projects, and the duplicates found so far.
+    /// What the index does not know: projects, and the paths of the duplicates found so far; these
+    /// are asked for away from the main thread, if there are any.
     struct Groups {
         std::vector<NamedFiles> projects;
-        std::vector<std::vector<std::string>> duplicates;
+        std::function<std::vector<std::vector<std::string>>()> duplicates;
     };
 
     /// `groups` is called on the main thread.

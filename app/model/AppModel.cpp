@@ -75,6 +75,9 @@ void AppModel::connectParts() {
                 spaces_.moveFiles(fromQt(from), fromQt(to));
                 std::replace(removals_.begin(), removals_.end(), fromQt(from), fromQt(to));
             });
+    connect(&folders_, &FoldersModel::rootReturned, &scan_, [this] {
+        if (options_.automaticallyScan) scan_.filesDidChange();
+    });
     connect(&scan_, &ScanModel::libraryFilled, this,
             [this] { library_.reloadPage("Could not update the live library: "); });
     connect(&scan_, &ScanModel::scanEnded, this, &AppModel::filesChanged);
@@ -85,6 +88,7 @@ void AppModel::connectParts() {
         filesChanged();
         scan_.rescan();
     });
+    connect(this, &AppModel::libraryFilesChanged, &duplicates_, &DuplicatesModel::checkPlaces);
 }
 
 QString AppModel::modelStatus() const {
@@ -419,8 +423,8 @@ void AppModel::planAgent(const QString& instruction) {
     plans_.planAgent(instruction, selection_.paths());
 }
 
-void AppModel::proposeDuplicateTrash(const QStringList& trash, const QStringList& keep) {
-    plans_.proposeDuplicateTrash(duplicates_.records(trash), duplicates_.records(keep));
+void AppModel::proposeDuplicateTrash(const QString& digest) {
+    plans_.proposeDuplicateTrash(duplicates_.copies(digest));
 }
 
 bool AppModel::open(const QString& path) {

@@ -2,47 +2,116 @@
 
 #include "app/lists/QtConversions.h"
 #include "app/lists/RecordList.h"
+#include "base/Cancelled.h"
 
-#include <QSet>
-#include <QStringList>
+#include <algorithm>
+#include <utility>
 
 namespace tovi {
 namespace {
 
-QVariantList valuesOf(const DuplicateGroup& group) {
+using Group = DuplicateGroups::value_type;
+
+constexpr std::size_t pageSize = 200;
+
+QVariantList valuesOf(const Group& group) {
     QVariantList files;
-    for (const FileRecord& file : group.files)
+    for (const FileRecord& file : group->files)
         files.append(toVariantMap(file));
     return files;
 }
 
-std::string digestOf(const DuplicateGroup& group) {
-    return group.files.front().sha256.value_or(group.files.front().path);
+std::string digestOf(const Group& group) {
+    return group->files.front().sha256.value_or(group->files.front().path);
+}
+
+void addGroup(CopiesToTrash& copies, const DuplicateGroup& group, KeepRule rule) {
+    std::vector<bool> stays(group.files.size());
+    stays[keptBy(rule, group.files)] = true;
+    copies.addGroup(group.files, stays);
 }
 
 } // namespace
 
+DuplicateList::DuplicateList(std::vector<Role> roles)
+    : DifferenceListModel(digestOf, std::move(roles)) {}
+
+SharedGroups DuplicateList::show(SharedGroups groups) {
+    SharedGroups before = std::exchange(all_, std::move(groups));
+    const std::size_t shown = std::min(std::max(rows().size(), pageSize), all_->size());
+    replace({all_->begin(), all_->begin() + static_cast<std::ptrdiff_t>(shown)});
+    return before;
+}
+
+void DuplicateList::changeValues() {
+    if (count() > 0) Q_EMIT dataChanged(index(0, 0), index(count() - 1, 0));
+}
+
+bool DuplicateList::canFetchMore(const QModelIndex& parent) const {
+    return !parent.isValid() && rows().size() < all_->size();
+}
+
+void DuplicateList::fetchMore(const QModelIndex& parent) {
+    if (!canFetchMore(parent)) return;
+    const auto begin = all_->begin() + static_cast<std::ptrdiff_t>(rows().size());
+    const auto left = static_cast<std::size_t>(all_->end() - begin);
+    append({begin, begin + static_cast<std::ptrdiff_t>(std::min(left, pageSize))});
+}
+
 DuplicatesModel::DuplicatesModel(ModelContext& context, const platform::Availability& availability)
     : context_(context),
       availability_(availability),
-      list_(digestOf,
-            {{"digest", [](const DuplicateGroup& group) { return toQt(digestOf(group)); }},
+      list_({{"digest", [](const Group& group) { return toQt(digestOf(group)); }},
              {"files", valuesOf},
-             {"count",
-              [](const DuplicateGroup& group) { return static_cast<int>(group.files.size()); }},
+             {"count", [](const Group& group) { return static_cast<int>(group->files.size()); }},
              {"size",
-              [](const DuplicateGroup& group) {
-                  return QVariant::fromValue<qint64>(group.files.front().size);
+              [](const Group& group) {
+                  return QVariant::fromValue<qint64>(group->files.front().size);
               }},
-             {"reclaimableBytes", [](const DuplicateGroup& group) {
-                  return QVariant::fromValue<qint64>(group.reclaimableBytes);
+             {"reclaimableBytes",
+              [](const Group& group) {
+                  return QVariant::fromValue<qint64>(group->reclaimableBytes);
+              }},
+             {"stays", [this](const Group& group) {
+                  return toQt(group->files[keptBy(keep_, group->files)].path);
               }}}) {}
 
-qint64 DuplicatesModel::reclaimableBytes() const {
-    qint64 bytes = 0;
-    for (const DuplicateGroup& group : groups())
-        bytes += group.reclaimableBytes;
-    return bytes;
+QString DuplicatesModel::keep() const {
+    return toQt(rawValue(keep_));
+}
+
+void DuplicatesModel::setKeep(const QString& rule) {
+    const auto wanted = keepRule(fromQt(rule));
+    if (!wanted || *wanted == keep_) return;
+    keep_ = *wanted;
+    list_.changeValues();
+    Q_EMIT changed();
+}
+
+DuplicatesModel::InPlace DuplicatesModel::inPlace(const DuplicateGroups& found,
+                                                  const std::stop_token& stop) {
+    DuplicateGroups groups;
+    std::int64_t reclaimableBytes = 0;
+    for (const Group& group : found) {
+        throwIfCancelled(stop);
+        DuplicateGroup left = filesInPlace(*group);
+        if (left.files.size() < 2) continue;
+        reclaimableBytes += left.reclaimableBytes;
+        const bool isWhole = left.files.size() == group->files.size();
+        groups.push_back(isWhole ? group : std::make_shared<const DuplicateGroup>(std::move(left)));
+    }
+    return {std::make_shared<const DuplicateGroups>(std::move(groups)), reclaimableBytes};
+}
+
+DuplicatesModel::Result DuplicatesModel::resultOf(ExactDuplicates found) {
+    DuplicateGroups groups;
+    std::int64_t reclaimableBytes = 0;
+    for (DuplicateGroup& group : found.groups) {
+        reclaimableBytes += group.reclaimableBytes;
+        groups.push_back(std::make_shared<const DuplicateGroup>(std::move(group)));
+    }
+    const auto shared = std::make_shared<const DuplicateGroups>(std::move(groups));
+    return {shared, {shared, reclaimableBytes}, found.unreadable};
 }
 
 void DuplicatesModel::findDuplicates() {
@@ -64,50 +133,73 @@ void DuplicatesModel::findDuplicates() {
         [index = context_.index, progress,
          &availability = availability_](const std::stop_token& stop) {
             const std::vector<FileRecord> files = index->counter.filesSharingSize(stop);
-            return exactDuplicates(
+            return resultOf(exactDuplicates(
                 files, availability,
                 [&](std::size_t done, std::size_t total) {
                     progress.set({done, total});
                 },
-                stop);
+                stop));
         },
-        [this](Outcome<ExactDuplicates> outcome) {
+        [this](Outcome<Result> outcome) {
             isFindingDuplicates_ = false;
             if (outcome) {
-                hasSearched_ = true;
                 unreadable_ = outcome.value->unreadable;
-                list_.replace(std::move(outcome.value->groups));
+                show(std::move(outcome.value->found), std::move(outcome.value->inPlace));
             } else if (!outcome.isCancelled) {
                 context_.notices.setError(outcome.error);
             }
             Q_EMIT changed();
+            if (std::exchange(isCheckDue_, false)) checkPlaces();
         });
+}
+
+void DuplicatesModel::checkPlaces() {
+    isCheckDue_ = isFindingDuplicates_;
+    if (isFindingDuplicates_ || !found_) return;
+    runLatest(
+        context_.executor, this, duplicateGeneration_,
+        [found = found_](const std::stop_token& stop) { return inPlace(*found, stop); },
+        [this](Outcome<InPlace> outcome) {
+            if (!outcome) return;
+            show(found_, *std::move(outcome.value));
+            Q_EMIT changed();
+        });
+}
+
+void DuplicatesModel::show(SharedGroups found, InPlace inPlace) {
+    reclaimableBytes_ = inPlace.reclaimableBytes;
+    // Taking the memory of tens of thousands of groups apart is work for another thread.
+    context_.executor.run([before = std::exchange(found_, std::move(found)),
+                           shown = list_.show(std::move(inPlace.groups))]() mutable {
+        before.reset();
+        shown.reset();
+    });
 }
 
 void DuplicatesModel::cancel() {
     duplicateGeneration_.cancel();
     if (!std::exchange(isFindingDuplicates_, false)) return;
     Q_EMIT changed();
+    if (std::exchange(isCheckDue_, false)) checkPlaces();
 }
 
 void DuplicatesModel::clear() {
     duplicateGeneration_.cancel();
     isFindingDuplicates_ = false;
-    hasSearched_ = false;
+    isCheckDue_ = false;
     unreadable_ = 0;
-    list_.replace({});
+    show(nullptr, {});
     Q_EMIT changed();
 }
 
-std::vector<FileRecord> DuplicatesModel::records(const QStringList& paths) const {
-    const QSet<QString> wanted(paths.begin(), paths.end());
-    std::vector<FileRecord> files;
-    for (const DuplicateGroup& group : groups()) {
-        for (const FileRecord& file : group.files) {
-            if (wanted.contains(toQt(file.path))) files.push_back(file);
+std::function<CopiesToTrash()> DuplicatesModel::copies(const QString& digest) const {
+    return [groups = groups(), rule = keep_, digest = fromQt(digest)] {
+        CopiesToTrash copies;
+        for (const Group& group : *groups) {
+            if (digest.empty() || digestOf(group) == digest) addGroup(copies, *group, rule);
         }
-    }
-    return files;
+        return copies;
+    };
 }
 
 } // namespace tovi

@@ -17,6 +17,8 @@ using State = FolderFreshness::State;
 
 namespace {
 
+constexpr double returnInterval = 10; // seconds
+
 struct Granted {
     std::vector<FolderGrant> grants;
     std::string refusals;
@@ -70,6 +72,7 @@ void FoldersModel::setRoots(std::vector<FolderGrant> roots) {
     list_.replace(std::move(roots));
     access_->keepOnly(list_.rows());
     updateFreshness();
+    awaitReturn();
 }
 
 void FoldersModel::setFreshness(const std::vector<FolderFreshness>& watched) {
@@ -246,6 +249,29 @@ void FoldersModel::applyChecks(const std::vector<FolderGrant>& before,
         }
     }
     Q_EMIT rootsEdited();
+}
+
+/// Looks now and then whether a folder that is away, as one on a disk that was taken out, is back.
+void FoldersModel::awaitReturn() {
+    const auto isAway = [](const FolderGrant& root) { return !root.available; };
+    if (isAwaitingReturn_ || std::none_of(roots().begin(), roots().end(), isAway)) return;
+    isAwaitingReturn_ = true;
+    runAfter(context_.executor, this, returnInterval, [this, isAway] {
+        std::vector<FolderGrant> away;
+        std::copy_if(roots().begin(), roots().end(), std::back_inserter(away), isAway);
+        runInBackground(
+            context_.executor, this, {},
+            [away, access = access_](const std::stop_token&) {
+                return std::any_of(away.begin(), away.end(), [&](const FolderGrant& grant) {
+                    return access->checked(grant).available;
+                });
+            },
+            [this](const Outcome<bool>& isBack) {
+                isAwaitingReturn_ = false;
+                if (isBack && *isBack.value) Q_EMIT rootReturned();
+                awaitReturn();
+            });
+    });
 }
 
 void FoldersModel::forget(const std::string& path) {

@@ -66,6 +66,7 @@ class FoldersModel : public QObject {
     void freshnessChanged();
     void rootsEdited(); // to be saved, and watched anew
     void rootMoved(const QString& from, const QString& to);
+    void rootReturned(); // one that was not available; a scan will tell which
     void connected(const QString& name, const QStringList& paths);
 
   private:
@@ -73,6 +74,7 @@ class FoldersModel : public QObject {
     void setConnectionMessage(const std::string& text);
     void setRoots(std::vector<FolderGrant> roots);
     void updateFreshness();
+    void awaitReturn();
     const platform::FolderFreshness* toldOf(const FolderGrant& root) const;
     const platform::FolderFreshness& freshnessOf(const FolderGrant& root) const;
 
@@ -85,6 +87,7 @@ class FoldersModel : public QObject {
     std::map<std::string, platform::FolderFreshness> freshness_; // of every root, by its path
     QString connectionMessage_;
     bool isPresentingFolderPicker_ = false;
+    bool isAwaitingReturn_ = false;
 };
 
 } // namespace tovi

@@ -4,6 +4,7 @@
 #include "app/model/FollowInIndex.h"
 #include "app/model/PlanInstruction.h"
 #include "base/Text.h"
+#include "core/actions/ActionError.h"
 #include "core/files/AuthorizedFolders.h"
 
 #include <algorithm>
@@ -71,7 +72,17 @@ PlansModel::PlansModel(ModelContext& context, const FoldersModel& folders)
            {"undone", [](const ActionReceipt& receipt) { return receipt.undone; }},
            {"canUndo", canUndo},
            {"error",
-            [](const ActionReceipt& receipt) { return toQt(receipt.error.value_or("")); }}}) {}
+            [](const ActionReceipt& receipt) { return toQt(receipt.error.value_or("")); }}}),
+      items_(
+          [](const PlannedFileAction& item) { return item.sourcePath; },
+          {{"path", [](const PlannedFileAction& item) { return toQt(item.sourcePath); }},
+           {"destinationPath",
+            [](const PlannedFileAction& item) { return toQt(item.destinationPath.value_or("")); }},
+           {"operation", [](const PlannedFileAction& item) { return nameOf(item.operation); }},
+           {"size", [](const PlannedFileAction& item) { return sizeOf(item.snapshot); }},
+           {"freesNothing", [this](const PlannedFileAction& item) {
+                return proposedPlan_ && freesNothing(item, *proposedPlan_);
+            }}}) {}
 
 PlansModel::~PlansModel() {
     execution_.request_stop();
@@ -95,52 +106,58 @@ void PlansModel::refreshHistory() {
 
 QVariantMap PlansModel::proposedPlanValues() const {
     if (!proposedPlan_) return {};
-    QVariantList items;
     qint64 total = 0;
-    for (const PlannedFileAction& item : proposedPlan_->items) {
+    for (const PlannedFileAction& item : proposedPlan_->items)
         total += static_cast<qint64>(item.snapshot.size);
-        items.append(QVariantMap{
-            {QStringLiteral("sourcePath"), toQt(item.sourcePath)},
-            {QStringLiteral("destinationPath"), toQt(item.destinationPath.value_or(""))},
-            {QStringLiteral("operation"), nameOf(item.operation)},
-            {QStringLiteral("size"), sizeOf(item.snapshot)},
-            {QStringLiteral("freesNothing"), freesNothing(item, *proposedPlan_)}});
-    }
-    QStringList retained;
-    for (const RetainedFile& file : proposedPlan_->retainedFiles)
-        retained.append(toQt(file.path));
-    return {{QStringLiteral("id"), toQt(proposedPlan_->id.string())},
-            {QStringLiteral("title"), toQt(proposedPlan_->title)},
-            {QStringLiteral("explanation"), toQt(proposedPlan_->explanation)},
-            {QStringLiteral("totalSize"), total},
-            {QStringLiteral("items"), items},
-            {QStringLiteral("retainedFiles"), retained}};
+    return {
+        {QStringLiteral("id"), toQt(proposedPlan_->id.string())},
+        {QStringLiteral("title"), toQt(proposedPlan_->title)},
+        {QStringLiteral("explanation"), toQt(proposedPlan_->explanation)},
+        {QStringLiteral("totalSize"), total},
+        {QStringLiteral("isRename"),
+         proposedPlan_->items.front().operation == FileOperation::rename},
+        {QStringLiteral("retainedCount"), static_cast<int>(proposedPlan_->retainedFiles.size())},
+        {QStringLiteral("leftCount"), static_cast<int>(leftCount_)}};
 }
 
-void PlansModel::setPlan(std::optional<ActionPlan> plan, bool isVaultOriginalReview) {
+void PlansModel::setPlan(std::optional<Proposal> proposal) {
     isPlanning_ = false;
-    proposedPlan_ = std::move(plan);
-    isVaultOriginalReview_ = proposedPlan_ && isVaultOriginalReview;
+    isVaultOriginalReview_ = proposal && proposal->isVaultOriginalReview;
+    leftCount_ = proposal ? proposal->left : 0;
+    proposedPlan_.reset();
+    if (proposal) proposedPlan_ = std::move(proposal->plan);
+    items_.replace(proposedPlan_ ? proposedPlan_->items : std::vector<PlannedFileAction>());
     Q_EMIT planChanged();
+}
+
+PlansModel::Proposal PlansModel::make(const Request& request, FileActionService& service,
+                                      const std::vector<std::string>& roots,
+                                      const std::stop_token& stop) {
+    if (!request.chooseCopies) {
+        return {service.plan(request.files, request.operation, request.newName, roots, {}, stop), 0,
+                request.isVaultOriginalReview};
+    }
+    const CopiesToTrash copies = request.chooseCopies();
+    if (copies.keepers().empty()) {
+        throw ActionError("No verified retained copy exists for this duplicate.");
+    }
+    return {service.plan(copies.files(), FileOperation::trash, {}, roots, copies.keepers(), stop),
+            copies.left(), false};
 }
 
 void PlansModel::propose(Request request) {
     if (!service_ || isExecuting_) return;
     planGeneration_.cancel();
-    setPlan(std::nullopt, false);
+    setPlan(std::nullopt);
     isPlanning_ = true;
     Q_EMIT planChanged();
-    const bool isVaultOriginalReview = request.isVaultOriginalReview;
     runLatest(
         context_.executor, this, planGeneration_,
-        [request = std::move(request), service = service_,
-         roots = folders_.pathsInPlace()](const std::stop_token& stop) {
-            return service->plan(request.files, request.operation, request.newName, roots(),
-                                 request.keepers, stop);
-        },
-        [this, isVaultOriginalReview](Outcome<ActionPlan> outcome) {
+        [request = std::move(request), service = service_, roots = folders_.pathsInPlace()](
+            const std::stop_token& stop) { return make(request, *service, roots(), stop); },
+        [this](Outcome<Proposal> outcome) {
             if (!outcome && !outcome.isCancelled) context_.notices.setError(outcome.error);
-            setPlan(std::move(outcome.value), isVaultOriginalReview);
+            setPlan(std::move(outcome.value));
         });
 }
 
@@ -154,12 +171,8 @@ void PlansModel::proposeRename(const QString& path, const QString& newName) {
              .newName = tovi::fromQt(newName)});
 }
 
-void PlansModel::proposeDuplicateTrash(const std::vector<FileRecord>& files,
-                                       const std::vector<FileRecord>& keepers) {
-    if (keepers.empty()) {
-        return context_.notices.setError("No verified retained copy exists for this duplicate.");
-    }
-    propose({.files = files, .keepers = keepers});
+void PlansModel::proposeDuplicateTrash(std::function<CopiesToTrash()> choose) {
+    propose({.chooseCopies = std::move(choose)});
 }
 
 void PlansModel::proposeVaultOriginalTrash(const QStringList& paths) {
@@ -184,7 +197,7 @@ void PlansModel::cancelVaultOriginalReview() {
 void PlansModel::cancelPlan() {
     if (isExecuting_) return;
     planGeneration_.cancel();
-    setPlan(std::nullopt, false);
+    setPlan(std::nullopt);
 }
 
 void PlansModel::planAgent(const QString& instruction, const std::vector<std::string>& selection) {
@@ -223,7 +236,7 @@ void PlansModel::confirmPlan(const QString& reviewedID) {
 
 void PlansModel::executionEnded(const Outcome<ActionReceipt>& outcome) {
     isExecuting_ = false;
-    setPlan(std::nullopt, false);
+    setPlan(std::nullopt);
     if (outcome) {
         const ActionReceipt& receipt = *outcome.value;
         context_.notices.setStatus(receipt.title);

@@ -2,10 +2,12 @@
 
 #include "app/lists/DifferenceListModel.h"
 #include "app/model/FoldersModel.h"
+#include "core/actions/CopiesToTrash.h"
 #include "core/actions/FileActionService.h"
 
 #include <QStringList>
 #include <QVariantMap>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -16,6 +18,7 @@ class PlansModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QVariantMap proposedPlan READ proposedPlanValues NOTIFY planChanged)
     Q_PROPERTY(bool isVaultOriginalReview READ isVaultOriginalReview NOTIFY planChanged)
+    Q_PROPERTY(tovi::RowListModel* plannedItems READ plannedItems CONSTANT)
     Q_PROPERTY(bool isPlanning READ isPlanning NOTIFY planChanged)
     Q_PROPERTY(bool isExecuting READ isExecuting NOTIFY planChanged)
     Q_PROPERTY(tovi::RowListModel* actions READ actions CONSTANT)
@@ -26,9 +29,11 @@ class PlansModel : public QObject {
 
     /// The plan that waits for review.
     const std::optional<ActionPlan>& proposedPlan() const { return proposedPlan_; }
-    /// id, title, explanation, totalSize, items (list of sourcePath, destinationPath, operation,
-    /// size, freesNothing) and retainedFiles (paths); empty without a plan.
+    /// id, title, explanation, totalSize, isRename, retainedCount and leftCount (copies for which
+    /// the plan had no room); empty without a plan.
     QVariantMap proposedPlanValues() const;
+    /// Its files. Roles: path, destinationPath, operation, size and freesNothing.
+    RowListModel* plannedItems() { return &items_; }
     /// Whether the plan removes originals of which the vault has copies now.
     bool isVaultOriginalReview() const { return isVaultOriginalReview_; }
     bool isPlanning() const { return isPlanning_; }
@@ -42,8 +47,8 @@ class PlansModel : public QObject {
     /// Each proposal replaces the one before it; a refusal is the error message.
     Q_INVOKABLE void proposeTrash(const QStringList& paths);
     Q_INVOKABLE void proposeRename(const QString& path, const QString& newName);
-    void proposeDuplicateTrash(const std::vector<FileRecord>& files,
-                               const std::vector<FileRecord>& keepers);
+    /// `choose` is called away from the main thread.
+    void proposeDuplicateTrash(std::function<CopiesToTrash()> choose);
     Q_INVOKABLE void proposeVaultOriginalTrash(const QStringList& paths);
     Q_INVOKABLE void cancelVaultOriginalReview();
     Q_INVOKABLE void cancelPlan();
@@ -72,11 +77,18 @@ class PlansModel : public QObject {
         std::vector<FileRecord> files = {};
         FileOperation operation = FileOperation::trash;
         std::optional<std::string> newName = {};
-        std::vector<FileRecord> keepers = {};
+        std::function<CopiesToTrash()> chooseCopies = {}; // instead of `files`
         bool isVaultOriginalReview = false;
     };
     void propose(Request request);
-    void setPlan(std::optional<ActionPlan> plan, bool isVaultOriginalReview);
+    struct Proposal {
+        ActionPlan plan;
+        std::size_t left = 0;
+        bool isVaultOriginalReview = false;
+    };
+    static Proposal make(const Request& request, FileActionService& service,
+                         const std::vector<std::string>& roots, const std::stop_token& stop);
+    void setPlan(std::optional<Proposal> proposal);
     void executionEnded(const Outcome<ActionReceipt>& outcome);
 
     ModelContext& context_;
@@ -84,6 +96,8 @@ class PlansModel : public QObject {
     std::shared_ptr<FileActionService> service_;
     DifferenceListModel<ActionReceipt> actions_;
     std::optional<ActionPlan> proposedPlan_;
+    DifferenceListModel<PlannedFileAction> items_; // of the plan
+    std::size_t leftCount_ = 0;
     bool isVaultOriginalReview_ = false;
     bool isPlanning_ = false;
     bool isExecuting_ = false;

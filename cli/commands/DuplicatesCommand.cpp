@@ -77,43 +77,25 @@ void print(const ExactDuplicates& found, const Context& context) {
                formatSize(reclaimable));
 }
 
-/// Which files of a group stay; none where the rule names no file of it.
-std::vector<bool> kept(const DuplicateGroup& group, const std::string& rule) {
-    const auto& files = group.files;
+/// Which files of a group stay: the one by a rule, or all in the folder given instead.
+std::vector<bool> kept(const std::vector<FileRecord>& files, const std::string& keep) {
     std::vector<bool> result(files.size(), false);
-    const auto keep = [&](auto isBetter) {
-        result[static_cast<std::size_t>(std::min_element(files.begin(), files.end(), isBetter) -
-                                        files.begin())] = true;
-    };
-    if (rule == "newest") {
-        keep([](const auto& a, const auto& b) { return a.modifiedAt > b.modifiedAt; });
-    } else if (rule == "oldest") {
-        keep([](const auto& a, const auto& b) { return a.modifiedAt < b.modifiedAt; });
-    } else if (rule == "shortest-path") {
-        keep([](const auto& a, const auto& b) { return a.path.size() < b.path.size(); });
-    } else {
-        const std::string folder = absolutePath(rule);
-        for (std::size_t i = 0; i < files.size(); ++i)
-            result[i] = isSameOrBelow(files[i].path, folder);
+    if (const auto rule = keepRule(keep)) {
+        result[keptBy(*rule, files)] = true;
+        return result;
     }
+    const std::string folder = absolutePath(keep);
+    for (std::size_t i = 0; i < files.size(); ++i)
+        result[i] = isSameOrBelow(files[i].path, folder);
     return result;
 }
 
 void trashAllButKept(const ExactDuplicates& found, const DuplicatesArguments& arguments,
                      Context& context) {
     CopiesToTrash copies;
-    for (const DuplicateGroup& group : found.groups) {
-        const std::vector<bool> stays = kept(group, arguments.keep);
-        if (std::find(stays.begin(), stays.end(), true) == stays.end()) continue;
-        bool goesAny = false;
-        for (std::size_t i = 0; i < stays.size(); ++i) {
-            if (!stays[i] && copies.add(group.files[i])) goesAny = true;
-        }
-        for (std::size_t i = 0; i < stays.size() && goesAny; ++i) {
-            if (stays[i]) copies.keep(group.files[i]);
-        }
-    }
-    copies.review("duplicate", arguments.confirmation, context);
+    for (const DuplicateGroup& group : found.groups)
+        copies.addGroup(group.files, kept(group.files, arguments.keep));
+    reviewAndExecute(copies, "duplicate", arguments.confirmation, context);
 }
 
 void duplicates(const DuplicatesArguments& arguments, Context& context) {

@@ -139,7 +139,7 @@ void trashAllButKept(const SimilarPhotoReport& report, const std::string& confir
                    "{} of pages of text stay whole; move what you do not need with: "
                    "tovictl trash FILE...\n",
                    formatCount(pages, "group"));
-    copies.review("photo", confirmation, context);
+    reviewAndExecute(copies, "photo", confirmation, context);
 }
 
 void photos(const PhotosArguments& arguments, Context& context) {

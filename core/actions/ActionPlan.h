@@ -4,6 +4,7 @@
 #include "base/Uuid.h"
 #include "core/files/FileSnapshot.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,6 +30,9 @@ struct RetainedFile {
     std::string path;
     FileSnapshot snapshot;
 };
+
+/// A plan has no more files than a person can review.
+inline constexpr std::size_t mostPlannedFiles = 500;
 
 /// What the user reviews and confirms. Executed at most once, within 900 seconds.
 struct ActionPlan {

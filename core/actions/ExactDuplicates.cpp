@@ -49,11 +49,18 @@ struct SizeGroup {
     bool isComparing = true; // first chunks, then the rest
 };
 
+bool isAsIndexed(const struct stat& status, const FileRecord& record) {
+    return S_ISREG(status.st_mode) && status.st_size == record.size &&
+           isSameFileDate(Date::fromTimespec(status.st_mtim), record.modifiedAt);
+}
+
 /// Whether the open file is still what the index holds.
 bool isUnchanged(const FileDescriptor& file, const FileRecord& record, struct stat& status) {
-    return ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
-           status.st_size == record.size &&
-           isSameFileDate(Date::fromTimespec(status.st_mtim), record.modifiedAt);
+    return ::fstat(file.get(), &status) == 0 && isAsIndexed(status, record);
+}
+
+std::int64_t reclaimableBytes(std::int64_t size, const std::set<FileNumber>& numbers) {
+    return numbers.empty() ? 0 : size * static_cast<std::int64_t>(numbers.size() - 1);
 }
 
 FileDescriptor openFile(const std::string& path) {
@@ -273,7 +280,7 @@ class Search {
                 found.files.back().sha256 = hexadecimal(digest);
                 numbers.insert(group.members[index].number);
             }
-            found.reclaimableBytes = group.size * static_cast<std::int64_t>(numbers.size() - 1);
+            found.reclaimableBytes = reclaimableBytes(group.size, numbers);
         }
         group.members.clear();
     }
@@ -307,6 +314,19 @@ ExactDuplicates exactDuplicates(std::span<const FileRecord> files,
         return left.files.front().path < right.files.front().path;
     });
     return result;
+}
+
+DuplicateGroup filesInPlace(const DuplicateGroup& group) {
+    DuplicateGroup left;
+    std::set<FileNumber> numbers;
+    for (const FileRecord& file : group.files) {
+        struct stat status {};
+        if (::lstat(file.path.c_str(), &status) != 0 || !isAsIndexed(status, file)) continue;
+        left.files.push_back(file);
+        numbers.emplace(status.st_dev, status.st_ino);
+    }
+    left.reclaimableBytes = reclaimableBytes(group.files.front().size, numbers);
+    return left;
 }
 
 } // namespace tovi

@@ -37,4 +37,8 @@ ExactDuplicates exactDuplicates(std::span<const FileRecord> files,
                                 const DuplicateProgress& progress = {},
                                 const std::stop_token& stop = {});
 
+/// What is left of a group found earlier: without files that are gone or were changed since, as far
+/// as their size and date tell. Reads no file.
+DuplicateGroup filesInPlace(const DuplicateGroup& group);
+
 } // namespace tovi

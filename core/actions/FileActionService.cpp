@@ -15,7 +15,6 @@ namespace {
 
 using platform::DirectoryEntry;
 
-constexpr std::size_t maximumFiles = 500;
 constexpr double planLifetime = 900; // seconds
 
 constexpr const char* explanation =
@@ -81,7 +80,7 @@ ActionPlan FileActionService::plan(std::span<const FileRecord> files, FileOperat
                                    std::span<const FileRecord> keepers,
                                    const std::stop_token& stop) {
     const std::lock_guard guard(mutex_);
-    if (files.empty() || files.size() > maximumFiles) {
+    if (files.empty() || files.size() > mostPlannedFiles) {
         throw ActionError("Select between 1 and 500 files to review.");
     }
     const bool isRename = operation == FileOperation::rename;

@@ -51,19 +51,23 @@ constexpr const char* coveringIndexes =
     "CREATE INDEX IF NOT EXISTS files_scan"
     " ON files(root, path, size, modified, status, source, downloaded, kind);";
 
-// Runs of three letters in names, so that a phrase in the middle of one is found without looking at
-// all of them.
+// The list of names that findTextMatches reads, in place of an older one.
 constexpr const char* namesIndex =
-    R"(CREATE VIRTUAL TABLE files_names USING fts5(name, content='files', content_rowid='rowid', tokenize='trigram', detail='none');
+    R"(DROP TRIGGER IF EXISTS files_names_insert;
+DROP TRIGGER IF EXISTS files_names_delete;
+DROP TRIGGER IF EXISTS files_names_update;
+DROP TABLE IF EXISTS files_names;
+CREATE VIEW IF NOT EXISTS files_named(id, name) AS SELECT rowid, name || '//' FROM files;
+{};
 CREATE TRIGGER files_names_insert AFTER INSERT ON files BEGIN
-  INSERT INTO files_names(rowid,name) VALUES(new.rowid,new.name);
+  INSERT INTO files_names(rowid,name) VALUES(new.rowid,new.name || '//');
 END;
 CREATE TRIGGER files_names_delete AFTER DELETE ON files BEGIN
-  INSERT INTO files_names(files_names,rowid,name) VALUES('delete',old.rowid,old.name);
+  INSERT INTO files_names(files_names,rowid,name) VALUES('delete',old.rowid,old.name || '//');
 END;
 CREATE TRIGGER files_names_update AFTER UPDATE OF name ON files WHEN old.name IS NOT new.name BEGIN
-  INSERT INTO files_names(files_names,rowid,name) VALUES('delete',old.rowid,old.name);
-  INSERT INTO files_names(rowid,name) VALUES(new.rowid,new.name);
+  INSERT INTO files_names(files_names,rowid,name) VALUES('delete',old.rowid,old.name || '//');
+  INSERT INTO files_names(rowid,name) VALUES(new.rowid,new.name || '//');
 END;
 INSERT INTO files_names(files_names) VALUES('rebuild');)";
 
@@ -108,7 +112,7 @@ void refuseNewerVersion(Database& database) {
 void addNamesIndex(Database& database) {
     if (hasNamesIndex(database)) return;
     Transaction transaction(database, Transaction::Kind::writing);
-    if (!hasNamesIndex(database)) database.execute(namesIndex);
+    if (!hasNamesIndex(database)) database.execute(fmt::format(namesIndex, namesTable));
     transaction.commit();
 }
 

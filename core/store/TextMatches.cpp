@@ -3,8 +3,6 @@
 #include "base/Text.h"
 #include "core/records/IntelligenceError.h"
 
-#include <utility>
-
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <sqlite3.h>
@@ -19,7 +17,7 @@ constexpr std::size_t fewRows = 10'000;
 constexpr std::size_t rowsWorthJudging = 1'000;
 
 // The start of a long phrase selects as well as the whole.
-constexpr std::size_t mostTrigrams = 24;
+constexpr std::size_t mostRuns = 24;
 
 /// A string of the full-text query language: the quotes keep it from reading operators into what
 /// the user typed.
@@ -38,22 +36,6 @@ std::string wordsExpression(const std::vector<std::string>& words) {
     for (const std::string& word : words)
         terms.push_back(quoted(word) + '*');
     return fmt::format("{}", fmt::join(terms, " AND "));
-}
-
-/// All runs of three code points, which a name that contains the text has too; empty for a shorter
-/// text.
-std::string trigramsExpression(std::string_view text) {
-    text = text.substr(0, text.find('\0')); // where a LIKE pattern ends as well
-    std::vector<std::string> trigrams;
-    std::size_t starts[2] = {0, 0};
-    std::size_t passed = 0;
-    for (std::size_t at = 0; at < text.size() && trigrams.size() < mostTrigrams; ++passed) {
-        const std::size_t end = at + codePointAt(text, at).length;
-        if (passed >= 2) trigrams.push_back(quoted(text.substr(starts[0], end - starts[0])));
-        starts[0] = std::exchange(starts[1], at);
-        at = end;
-    }
-    return fmt::format("{}", fmt::join(trigrams, " AND "));
 }
 
 /// SQLite refuses patterns beyond a length when it first meets a name; say so whatever it meets.
@@ -127,6 +109,58 @@ std::vector<std::int64_t> rowsWithWords(Database& database, const WordJudge& jud
     return rowsMatching(database, "files_fts", wordsExpression(words), -1);
 }
 
+/// Where the first code points of `text` begin and end, `most` of these places at most.
+std::vector<std::size_t> boundaries(std::string_view text, std::size_t most) {
+    std::vector<std::size_t> places = {0};
+    while (places.back() < text.size() && places.size() < most)
+        places.push_back(places.back() + codePointAt(text, places.back()).length);
+    return places;
+}
+
+/// Rows whose name has a run of three code points that begins with `text`, which is shorter; absent
+/// where they are too many to be worth reading.
+std::optional<std::vector<std::int64_t>> rowsWithRunsFrom(Database& database, std::string text,
+                                                          std::size_t codePoints) {
+    const std::string missing(3 - codePoints, '/');
+    std::string folded;
+    Tokenizer(database, "trigram")
+        .tokenize(text + missing, Tokenizer::Purpose::document, [&](std::string_view run) {
+            folded = run.substr(0, run.size() - missing.size());
+            return false;
+        });
+    database.execute("CREATE VIRTUAL TABLE IF NOT EXISTS temp.files_names_runs "
+                     "USING fts5vocab('main', 'files_names', 'row')");
+    Statement statement(database,
+                        "SELECT term, doc FROM temp.files_names_runs WHERE term >= ? AND term < ?");
+    statement.bind(folded).bind(folded + '\xff');
+    std::vector<std::string> runs;
+    std::int64_t total = 0;
+    while (statement.step()) {
+        total += statement.integer(1);
+        if (total > static_cast<std::int64_t>(fewRows)) return std::nullopt;
+        runs.push_back(quoted(statement.text(0)));
+    }
+    std::vector<std::int64_t> rows;
+    for (const std::string& run : runs) {
+        const auto more = rowsMatching(database, "files_names", run, -1);
+        rows.insert(rows.end(), more.begin(), more.end());
+    }
+    return rows;
+}
+
+/// Rows whose name may contain `text`; absent where any may.
+std::optional<std::vector<std::int64_t>> rowsNamed(Database& database, std::string_view text) {
+    text = text.substr(0, text.find('\0')); // where a LIKE pattern ends as well
+    const auto places = boundaries(text, mostRuns + 3);
+    const std::size_t codePoints = places.size() - 1;
+    if (codePoints == 0 || !hasNamesIndex(database)) return std::nullopt;
+    if (codePoints < 3) return rowsWithRunsFrom(database, std::string(text), codePoints);
+    std::vector<std::string> runs;
+    for (std::size_t at = 0; at + 3 <= codePoints; ++at)
+        runs.push_back(quoted(text.substr(places[at], places[at + 3] - places[at])));
+    return rowsMatching(database, "files_names", fmt::format("{}", fmt::join(runs, " AND ")), -1);
+}
+
 } // namespace
 
 std::optional<bool> TextMatches::decides(std::int64_t row) const {
@@ -141,14 +175,13 @@ TextMatches findTextMatches(Database& database, const WordJudge& judge, std::str
     std::vector<std::int64_t> all = rowsWithWords(database, judge);
     for (const std::int64_t row : all)
         matches.matched.add(row);
-    const std::string trigrams = trigramsExpression(text);
-    if (trigrams.empty() || !hasNamesIndex(database)) return matches;
-    const auto named = rowsMatching(database, "files_names", trigrams, -1);
+    const auto named = rowsNamed(database, text);
+    if (!named) return matches;
     matches.named.emplace();
-    for (const std::int64_t row : named)
+    for (const std::int64_t row : *named)
         matches.named->add(row);
-    if (all.size() + named.size() <= fewRows) {
-        all.insert(all.end(), named.begin(), named.end());
+    if (all.size() + named->size() <= fewRows) {
+        all.insert(all.end(), named->begin(), named->end());
         matches.few = std::move(all);
     }
     return matches;
@@ -163,7 +196,9 @@ std::int64_t Look::patience(const WordJudge& judge, std::int64_t limit) {
 }
 
 bool hasNamesIndex(Database& database) {
-    return Statement(database, "SELECT 1 FROM sqlite_master WHERE name = 'files_names'").step();
+    Statement statement(database,
+                        "SELECT 1 FROM sqlite_master WHERE name = 'files_names' AND sql = ?");
+    return statement.bind(namesTable).step();
 }
 
 void registerTextFunctions(Database& database) {

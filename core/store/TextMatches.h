@@ -62,7 +62,14 @@ struct Look {
     bool isExhausted() const { return remaining < 0; }
 };
 
-/// Whether the index has its list of names; one that an older program wrote may lack it.
+/// Makes the list of names: their runs of three letters, so that a phrase in the middle of one is
+/// found without looking at all. Two slashes, which no name holds, end each name, so that every
+/// letter and every pair of letters begins a run.
+inline constexpr const char* namesTable =
+    "CREATE VIRTUAL TABLE files_names USING fts5(name, content='files_named', "
+    "content_rowid='id', tokenize='trigram', detail='none')";
+
+/// Whether the index has this list of names; one that an older program wrote may lack it.
 bool hasNamesIndex(Database& database);
 
 /// Makes two SQL functions known to the connection: `tovi_text_match(matches, rowid)` gives 1, 0,

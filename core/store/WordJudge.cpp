@@ -1,27 +1,12 @@
 #include "core/store/WordJudge.h"
 
 #include "base/Text.h"
-#include "core/records/IntelligenceError.h"
 
 #include <algorithm>
 #include <deque>
 
-#include <sqlite3.h>
-
 namespace tovi {
 namespace {
-
-// As in the table files_fts.
-constexpr const char* tokenizerName = "unicode61";
-const char* tokenizerArguments[] = {"remove_diacritics", "2"};
-
-fts5_api& fullTextApi(Database& database) {
-    fts5_api* api = nullptr;
-    Statement statement(database, "SELECT fts5(?)");
-    statement.bindPointer(&api, "fts5_api_ptr").step();
-    if (api == nullptr) throw IntelligenceError::database("no such module: fts5");
-    return *api;
-}
 
 bool isRow(const std::deque<std::string>& seen, const std::vector<std::string>& tokens) {
     if (seen.size() < tokens.size()) return false;
@@ -32,22 +17,8 @@ bool isRow(const std::deque<std::string>& seen, const std::vector<std::string>& 
 
 } // namespace
 
-void WordJudge::Delete::operator()(Fts5Tokenizer* tokenizer) const {
-    methods->xDelete(tokenizer);
-}
-
 WordJudge::WordJudge(Database& database, std::string_view phrase)
-    : methods_(std::make_unique<fts5_tokenizer>()), tokenizer_(nullptr, {methods_.get()}) {
-    fts5_api& api = fullTextApi(database);
-    void* context = nullptr;
-    Fts5Tokenizer* made = nullptr;
-    if (api.xFindTokenizer(&api, tokenizerName, &context, methods_.get()) != SQLITE_OK ||
-        methods_->xCreate(context, tokenizerArguments, std::size(tokenizerArguments), &made) !=
-            SQLITE_OK) {
-        throw IntelligenceError::database("no such tokenizer: unicode61");
-    }
-    tokenizer_.reset(made);
-
+    : tokenizer_(database, "unicode61", {"remove_diacritics", "2"}) { // as the table files_fts
     for (const std::string_view word : splitWhitespace(phrase))
         words_.emplace_back(word);
     std::stable_sort(words_.begin(), words_.end(), [](const auto& left, const auto& right) {
@@ -55,7 +26,7 @@ WordJudge::WordJudge(Database& database, std::string_view phrase)
     });
     std::erase_if(words_, [&](const std::string& word) {
         Tokens tokens;
-        tokenize(word, FTS5_TOKENIZE_QUERY | FTS5_TOKENIZE_PREFIX, [&](std::string_view token) {
+        tokenizer_.tokenize(word, Tokenizer::Purpose::prefix, [&](std::string_view token) {
             tokens.emplace_back(token);
             return true;
         });
@@ -65,26 +36,13 @@ WordJudge::WordJudge(Database& database, std::string_view phrase)
     });
 }
 
-WordJudge::~WordJudge() = default;
-
-template <typename Each>
-void WordJudge::tokenize(std::string_view text, int purpose, Each each) const {
-    const auto onToken = [](void* context, int, const char* token, int length, int, int) {
-        const bool goesOn =
-            (*static_cast<Each*>(context))({token, static_cast<std::size_t>(length)});
-        return goesOn ? SQLITE_OK : SQLITE_DONE;
-    };
-    methods_->xTokenize(tokenizer_.get(), &each, purpose, text.data(),
-                        static_cast<int>(text.size()), onToken);
-}
-
 void WordJudge::lookFor(std::string_view text, std::vector<bool>& found,
                         std::size_t& missing) const {
     std::size_t longest = 0;
     for (const Tokens& tokens : tokens_)
         longest = std::max(longest, tokens.size());
     std::deque<std::string> seen;
-    tokenize(text, FTS5_TOKENIZE_DOCUMENT, [&](std::string_view token) {
+    tokenizer_.tokenize(text, Tokenizer::Purpose::document, [&](std::string_view token) {
         seen.emplace_back(token);
         if (seen.size() > longest) seen.pop_front();
         for (std::size_t word = 0; word < tokens_.size(); ++word) {

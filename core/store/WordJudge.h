@@ -1,14 +1,10 @@
 #pragma once
 
-#include "core/store/Database.h"
+#include "core/store/Tokenizer.h"
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-struct Fts5Tokenizer;
-struct fts5_tokenizer;
 
 namespace tovi {
 
@@ -18,9 +14,6 @@ namespace tovi {
 class WordJudge {
   public:
     WordJudge(Database& database, std::string_view phrase);
-    ~WordJudge();
-    WordJudge(const WordJudge&) = delete;
-    WordJudge& operator=(const WordJudge&) = delete;
 
     /// The words of the phrase that have a token, the longest first; the others select nothing.
     const std::vector<std::string>& words() const { return words_; }
@@ -29,17 +22,10 @@ class WordJudge {
 
   private:
     using Tokens = std::vector<std::string>;
-    struct Delete {
-        const fts5_tokenizer* methods;
-        void operator()(Fts5Tokenizer* tokenizer) const;
-    };
 
-    template <typename Each>
-    void tokenize(std::string_view text, int purpose, Each each) const;
     void lookFor(std::string_view text, std::vector<bool>& found, std::size_t& missing) const;
 
-    std::unique_ptr<fts5_tokenizer> methods_;
-    std::unique_ptr<Fts5Tokenizer, Delete> tokenizer_;
+    Tokenizer tokenizer_;
     std::vector<std::string> words_;
     std::vector<Tokens> tokens_; // of each word, to be found in a row, the last as a prefix
 };

@@ -12,8 +12,11 @@ Sheet {
     property string explanation: ""
     property string warning: ""
     property string remark: ""
-    /// Each with `path`, `note`, `size` and `symbol`.
+    /// A list with the roles `path` and `size`.
     required property var rows
+    required property string symbol
+    /// What is said of a file under its path.
+    required property var noteOf
     required property string confirmText
     property string confirmObjectName: ""
     property bool isDanger: true
@@ -63,33 +66,33 @@ Sheet {
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Files of the plan")
             delegate: RowLayout {
-                required property var modelData
+                required property var model
                 required property int index
                 width: ListView.view.width - 12
                 height: 46
                 spacing: 12
                 Accessible.role: Accessible.ListItem
-                Accessible.name: modelData.path
+                Accessible.name: model.path
                 Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(list.count)
-                AppIcon { symbol: modelData.symbol }
+                AppIcon { symbol: sheet.symbol }
                 ColumnLayout {
                     Layout.fillWidth: true
                     spacing: 0
                     AppText {
                         Layout.fillWidth: true
-                        text: Format.path(modelData.path)
+                        text: Format.path(model.path)
                         elide: Text.ElideMiddle
                     }
                     AppText {
                         Layout.fillWidth: true
                         visible: text !== ""
-                        text: modelData.note
+                        text: sheet.noteOf(model)
                         isSecondary: true
                         font.pixelSize: Theme.caption
                     }
                 }
                 AppText {
-                    text: Format.size(modelData.size || 0)
+                    text: Format.size(model.size)
                     isSecondary: true
                 }
             }

@@ -49,11 +49,15 @@ GraphModel::Groups groupsOf(AppModel& model) {
     GraphModel::Groups groups;
     for (const ProjectSpace& space : model.spaces()->spaces())
         groups.projects.push_back({space.name, space.paths});
-    for (const DuplicateGroup& group : model.duplicates()->groups()) {
-        auto& paths = groups.duplicates.emplace_back();
-        for (const FileRecord& file : group.files)
-            paths.push_back(file.path);
-    }
+    groups.duplicates = [found = model.duplicates()->groups()] {
+        std::vector<std::vector<std::string>> paths;
+        for (const auto& group : *found) {
+            auto& files = paths.emplace_back();
+            for (const FileRecord& file : group->files)
+                files.push_back(file.path);
+        }
+        return paths;
+    };
     return groups;
 }
 
@@ -75,11 +79,6 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
     connect(&model_, &AppModel::loaded, this, &ScreenModels::followIndex);
     connect(model_.plans(), &PlansModel::filesMoved, this, [this] {
         if (lookAlikes_.hasReport()) findLookAlikes(comparedFolder_);
-        areDuplicatesDue_ = model_.duplicates()->hasSearched();
-        if (areDuplicatesDue_) model_.duplicates()->findDuplicates();
-    });
-    connect(model_.scan(), &ScanModel::scanEnded, this, [this] { // finds what was taken back
-        if (std::exchange(areDuplicatesDue_, false)) model_.duplicates()->findDuplicates();
     });
     const auto offer = [](const char* name, QObject* object) {
         QQmlEngine::setObjectOwnership(object, QQmlEngine::CppOwnership);

@@ -46,7 +46,6 @@ class ScreenModels : public QObject {
     InstalledModel installed_;
     SharedIndex index_;
     QString comparedFolder_;
-    bool areDuplicatesDue_ = false; // once the scan after a move is over
     Generation picturesGeneration_;
 };
 

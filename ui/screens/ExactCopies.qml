@@ -8,38 +8,12 @@ import Tovi.Models
 FocusScope {
     id: screen
 
-    readonly property string summary: groups.count > 0
-        ? qsTr("%1, %2 reclaimable").arg(Format.counted(groups.count, qsTr("group"), qsTr("groups")))
+    readonly property string summary: App.duplicates.groupCount > 0
+        ? qsTr("%1, %2 reclaimable").arg(Format.counted(App.duplicates.groupCount, qsTr("group"), qsTr("groups")))
             .arg(Format.size(App.duplicates.reclaimableBytes))
         : ""
     readonly property var groups: App.duplicates.duplicates
     readonly property bool isBusy: App.duplicates.isFindingDuplicates
-    property string keep: "newest"
-
-    /// The files of a group that go and the one that stays, by the rule chosen.
-    function split(files) {
-        const better = (left, right) => keep === "newest" ? left.modifiedAt > right.modifiedAt
-            : keep === "oldest" ? left.modifiedAt < right.modifiedAt
-            : left.path.length < right.path.length
-        let stays = files[0]
-        for (const file of files) {
-            if (better(file, stays))
-                stays = file
-        }
-        return { stays: stays.path, go: files.filter(file => file !== stays).map(file => file.path) }
-    }
-    function propose(rows) {
-        let go = [], stay = []
-        for (const row of rows) {
-            const parts = split(groups.value(row, "files"))
-            go = go.concat(parts.go)
-            stay.push(parts.stays)
-        }
-        App.proposeDuplicateTrash(go, stay)
-    }
-    function proposeAll() {
-        propose(Array.from({ length: groups.count }, (_, row) => row))
-    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -59,10 +33,10 @@ FocusScope {
                 options: [
                     { value: "newest", text: qsTr("The newest") },
                     { value: "oldest", text: qsTr("The oldest") },
-                    { value: "shortest", text: qsTr("The shortest path") }
+                    { value: "shortest-path", text: qsTr("The shortest path") }
                 ]
-                current: screen.keep
-                onChosen: value => screen.keep = value
+                current: App.duplicates.keep
+                onChosen: value => App.duplicates.keep = value
             }
             ActionButton {
                 Layout.alignment: Qt.AlignRight
@@ -73,7 +47,7 @@ FocusScope {
             ActionButton {
                 text: qsTr("Review all…")
                 isPrimary: true
-                onClicked: screen.proposeAll()
+                onClicked: App.proposeDuplicateTrash("")
             }
         }
 
@@ -94,10 +68,11 @@ FocusScope {
                 id: group
 
                 required property int index
+                required property string digest
+                required property string stays
                 required property var files
                 required property int count
                 required property var reclaimableBytes
-                readonly property string stays: screen.split(files).stays
                 readonly property string heading: qsTr("%1, %2 reclaimable")
                     .arg(Format.counted(count, qsTr("copy"), qsTr("copies"))).arg(Format.size(reclaimableBytes))
 
@@ -105,7 +80,7 @@ FocusScope {
                 height: column.implicitHeight + 32
                 Accessible.role: Accessible.ListItem
                 Accessible.name: heading
-                Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(list.count)
+                Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(App.duplicates.groupCount)
 
                 ColumnLayout {
                     id: column
@@ -122,7 +97,7 @@ FocusScope {
                         ActionButton {
                             text: qsTr("Review…")
                             Accessible.name: qsTr("Review %1").arg(group.heading)
-                            onClicked: screen.propose([group.index])
+                            onClicked: App.proposeDuplicateTrash(group.digest)
                         }
                     }
                     Repeater {

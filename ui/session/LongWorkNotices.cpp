@@ -55,7 +55,7 @@ void LongWorkNotices::followDuplicates() {
     Q_EMIT ended(
         {tr("Duplicates were searched for"),
          tr("Groups of copies: %1, reclaimable: %2")
-             .arg(locale.toString(static_cast<qint64>(found.groups().size())),
+             .arg(locale.toString(found.groupCount()),
                   locale.formattedDataSize(found.reclaimableBytes(), 1, QLocale::DataSizeSIFormat)),
          QStringLiteral("duplicates"),
          {}});

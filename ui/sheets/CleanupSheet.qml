@@ -7,12 +7,13 @@ ReviewSheet {
     id: sheet
 
     readonly property var plan: Cleanup.proposedPlan
-    readonly property var items: plan.items || []
 
     visible: plan.id !== undefined
     heading: qsTr("%1, %2").arg(confirmText).arg(Format.size(plan.totalSize || 0))
     explanation: plan.explanation || ""
-    rows: items.map(item => ({ path: item.path, size: item.size, symbol: "trash", note: item.categoryTitle }))
+    rows: Cleanup.plannedItems
+    symbol: "trash"
+    noteOf: item => item.categoryTitle
     confirmText: plan.title || ""
     confirmObjectName: "cleanup-confirm-trash"
     isExecuting: Cleanup.isExecuting

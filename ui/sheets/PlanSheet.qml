@@ -7,9 +7,11 @@ ReviewSheet {
     id: sheet
 
     readonly property var plan: App.plans.proposedPlan
-    readonly property var items: plan.items || []
-    readonly property int kept: (plan.retainedFiles || []).length
-    readonly property bool isRename: items.length > 0 && items[0].operation === "rename"
+    readonly property bool isRename: plan.isRename === true
+    readonly property string kept: plan.retainedCount > 0
+        ? qsTr("%1 kept").arg(Format.counted(plan.retainedCount, qsTr("copy"), qsTr("copies"))) : ""
+    readonly property string left: plan.leftCount > 0
+        ? qsTr("%1 more for a further plan").arg(Format.counted(plan.leftCount, qsTr("copy"), qsTr("copies"))) : ""
 
     visible: plan.id !== undefined
     heading: isRename ? confirmText : qsTr("%1, %2").arg(confirmText).arg(Format.size(plan.totalSize || 0))
@@ -17,16 +19,13 @@ ReviewSheet {
     warning: App.plans.isVaultOriginalReview
         ? qsTr("The Vault copy is encrypted. These originals will remain unencrypted in Trash. Other copies and backups stay outside the Vault.")
         : ""
-    remark: kept > 0 ? qsTr("%1 kept").arg(Format.counted(kept, qsTr("copy"), qsTr("copies"))) : ""
-    rows: items.map(item => ({
-        path: item.sourcePath,
-        size: item.size,
-        symbol: isRename ? "pencil" : "trash",
-        note: isRename ? qsTr("becomes %1").arg(Format.fileName(item.destinationPath || ""))
-            : item.freesNothing ? qsTr("frees nothing: another name of it stays") : ""
-    }))
+    remark: [kept, left].filter(text => text !== "").join(" · ")
+    rows: App.plans.plannedItems
+    symbol: isRename ? "pencil" : "trash"
+    noteOf: item => isRename ? qsTr("becomes %1").arg(Format.fileName(item.destinationPath))
+        : item.freesNothing ? qsTr("frees nothing: another name of it stays") : ""
     confirmText: (isRename ? qsTr("Rename %1") : qsTr("Move %1 to Trash"))
-        .arg(Format.counted(items.length, qsTr("file"), qsTr("files")))
+        .arg(Format.counted(rows.count, qsTr("file"), qsTr("files")))
     confirmObjectName: "plan-confirm"
     isDanger: !isRename
     isExecuting: App.plans.isExecuting

@@ -136,20 +136,55 @@ TEST_F(PlansTest, ChangesNothingInAFolderThatTookThePlaceOfTheConnectedOne) {
     fs::remove_all(away);
 }
 
-TEST_F(PlansTest, CleansDuplicatesAndKeepsOne) {
-    model->duplicates()->findDuplicates();
-    model->duplicates()->findDuplicates();
+TEST_F(PlansTest, CleansDuplicatesAndShowsThemAgainWhenTakenBack) {
+    using namespace std::chrono_literals;
+    fs::last_write_time(tree.path("b.txt"), fs::file_time_type::clock::now() - 1h);
+    model->scan()->rescan();
     executor.settle();
-    ASSERT_THAT(model->duplicates()->groups(), SizeIs(1));
-    EXPECT_EQ(model->duplicates()->reclaimableBytes(), 28);
-    model->proposeDuplicateTrash({at("a.txt"), at("b.txt"), at("c.txt")}, {});
+    DuplicatesModel& duplicates = *model->duplicates();
+    duplicates.findDuplicates();
+    duplicates.findDuplicates();
+    executor.settle();
+    ASSERT_THAT(*duplicates.groups(), SizeIs(1));
+    EXPECT_EQ(duplicates.reclaimableBytes(), 28);
+    const auto stays = [&] { return duplicates.list()->value(0, QStringLiteral("stays")); };
+    for (const auto& [rule, name] : {std::pair{"oldest", "b.txt"}, {"shortest-path", "a.txt"}}) {
+        duplicates.setKeep(QString::fromUtf8(rule));
+        EXPECT_EQ(stays(), at(name)) << rule;
+    }
+    model->proposeDuplicateTrash(QStringLiteral("of no group"));
     executor.settle();
     EXPECT_EQ(error(), "No verified retained copy exists for this duplicate.");
-    model->proposeDuplicateTrash({at("b.txt"), at("c.txt")}, {at("a.txt")});
+    model->proposeDuplicateTrash({});
     executor.settle();
+    EXPECT_EQ(plans().plannedItems()->count(), 2);
     confirm();
     EXPECT_TRUE(fs::exists(tree.path("a.txt")));
     EXPECT_FALSE(fs::exists(tree.path("b.txt")));
+    EXPECT_THAT(*duplicates.groups(), IsEmpty());
+
+    plans().undoLast();
+    executor.settle();
+    ASSERT_THAT(*duplicates.groups(), SizeIs(1));
+    EXPECT_EQ(duplicates.reclaimableBytes(), 28);
+    fs::remove(tree.path("b.txt"));
+    model->scan()->rescan();
+    executor.settle();
+    EXPECT_THAT(duplicates.groups()->front()->files, SizeIs(2));
+    EXPECT_EQ(duplicates.reclaimableBytes(), 14);
+}
+
+TEST_F(PlansTest, ProposesAsManyDuplicatesAsOnePlanTakes) {
+    for (int n = 0; n < 600; ++n)
+        tree.write("copies/" + std::to_string(n), "many of these");
+    model->scan()->rescan();
+    executor.settle();
+    model->duplicates()->findDuplicates();
+    executor.settle();
+    model->proposeDuplicateTrash({});
+    executor.settle();
+    EXPECT_EQ(plans().plannedItems()->count(), 500);
+    EXPECT_EQ(plans().proposedPlanValues()[QStringLiteral("leftCount")].toInt(), 101);
 }
 
 TEST_F(PlansTest, ReviewsOriginalsOfTheVaultInsideConnectedFoldersOnly) {

@@ -6,6 +6,7 @@
 #include <QAbstractItemModelTester>
 #include <QCoreApplication>
 #include <QMouseEvent>
+#include <random>
 #include <thread>
 
 namespace tovi {
@@ -307,6 +308,58 @@ TEST_F(VaultModelTest, LocksInTheMiddleOfAnything) {
     expectLocked(closed);
     EXPECT_EQ(contents(vaultPath), before);
     EXPECT_EQ(locks, 3);
+}
+
+TEST_F(VaultModelTest, WhateverIsAskedForInWhichOrderKeepsEveryCopyAndLocksWhole) {
+    create();
+    import({tree.write("a", "alpha")});
+    const QString id = model.items()->value(0, QStringLiteral("id")).toString();
+    const std::vector<std::function<void()>> operations{
+        [&] { executor.deliver(); },
+        [&] { executor.advance(7); },
+        [&] { asleep += 400; },
+        [&] { model.load(); },
+        [&] { model.authenticate(passwordText(), false); },
+        [&] { model.authenticate(passwordText(), true); },
+        [&] { model.authenticate(QStringLiteral("twelve wrong chars"), false); },
+        [&] { model.chooseFiles(); },
+        [&] {
+            if (panels.open) std::exchange(panels.open, nullptr)({tree.path("a")});
+        },
+        [&] {
+            model.importFiles({tree.path("a"), tree.path("missing")});
+        },
+        [&] { model.exportItem(id); },
+        [&] {
+            if (panels.save) std::exchange(panels.save, nullptr)({{tree.path(), "copy"}});
+        },
+        [&] { model.noteActivity(); },
+        [&] { model.setApplicationActive(false); },
+        [&] { model.setApplicationActive(true); },
+        [&] { model.windowClosed(); },
+        [&] { model.sessionInterrupted(nullptr); },
+        [&] { model.lock(); }};
+    std::mt19937 random(5);
+    int unlocked = 0;
+    for (int round = 0; round < 16; ++round) {
+        for (auto n = random() % 16; n > 0; --n)
+            operations[random() % operations.size()]();
+        executor.settle();
+        ASSERT_FALSE(model.isBusy()) << "round " << round;
+        ASSERT_TRUE(model.phase() == Phase::locked || model.phase() == Phase::unlocked);
+        ASSERT_EQ(store->status() == VaultStatus::unlocked, model.phase() == Phase::unlocked);
+        ASSERT_EQ(model.items()->count() > 0, model.phase() == Phase::unlocked);
+        unlocked += model.phase() == Phase::unlocked ? 1 : 0;
+        if (model.phase() == Phase::unlocked && random() % 2 == 0) model.lock();
+        executor.settle();
+        unlock();
+        fs::remove(tree.path("copy"));
+        model.exportItem(model.items()->rows().back().id, tree.path("copy"));
+        executor.settle();
+        ASSERT_EQ(test::readFile(tree.path("copy")), "alpha") << "round " << round;
+    }
+    EXPECT_GT(unlocked, 2);
+    EXPECT_LT(unlocked, 14);
 }
 
 } // namespace

@@ -430,7 +430,8 @@ TEST_F(IndexStoreTest, FindsWhatLookingAtEveryRowFinds) {
 TEST_F(IndexStoreTest, GivesAnOlderIndexItsListOfNames) {
     { IndexStore(path).upsert(makeRecord("/root/annual-report.txt")); }
     sql("DROP TRIGGER files_names_insert; DROP TRIGGER files_names_delete; "
-        "DROP TRIGGER files_names_update; DROP TABLE files_names");
+        "DROP TRIGGER files_names_update; DROP TABLE files_names; "
+        "CREATE VIRTUAL TABLE files_names USING fts5(name, tokenize='trigram')");
     const std::vector<std::string> found = {"/root/annual-report.txt"};
     IndexStore reader(path, IndexStore::Access::readOnly);
     EXPECT_EQ(find(reader, "ual-rep"), found);
