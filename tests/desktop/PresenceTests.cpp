@@ -6,54 +6,34 @@
 namespace tovi {
 namespace {
 
-class PresenceTest : public testing::Test {
-  protected:
+TEST(Presence, LeavesNothingRunningThatNobodyCanReach) {
     test::ManualExecutor executor;
     Presence::Shown shown;
-    Presence presence{executor, [this] { return shown; }};
+    Presence presence(executor, [&] { return shown; });
     int ends = 0;
     int windows = 0;
+    QObject::connect(&presence, &Presence::ended, [&] { ++ends; });
+    QObject::connect(&presence, &Presence::windowWanted, [&] { ++windows; });
 
-    PresenceTest() {
-        QObject::connect(&presence, &Presence::ended, [this] { ++ends; });
-        QObject::connect(&presence, &Presence::windowWanted, [this] { ++windows; });
-    }
-};
-
-TEST_F(PresenceTest, EndsOnceNothingIsShownAndNobodyAsks) {
-    presence.answer();
-    executor.advance(Presence::unusedTime - 1);
-    presence.answer();
-    executor.advance(Presence::unusedTime - 1);
-    EXPECT_EQ(ends, 0);
-    for (const auto shows :
+    for (const auto part :
          {&Presence::Shown::window, &Presence::Shown::panel, &Presence::Shown::tray}) {
-        shown.*shows = true;
-        executor.advance(Presence::unusedTime);
-        EXPECT_EQ(ends, 0);
-        presence.leavePanel();
-        executor.advance(Presence::openingTime);
-        EXPECT_EQ(ends, 0);
-        shown.*shows = false;
         presence.answer();
+        executor.advance(Presence::unusedTime - 1);
+        presence.answer(); // and begins to wait anew
+        executor.advance(Presence::unusedTime - 1);
+        shown.*part = true;
+        presence.leavePanel();
+        executor.advance(Presence::unusedTime);
+        shown.*part = false;
     }
+    presence.answer();
+    presence.loseTray();
+    executor.advance(Presence::unusedTime);
+    EXPECT_EQ(ends, 0);
+    EXPECT_EQ(windows, 1);
     presence.leavePanel();
     executor.advance(Presence::openingTime);
     EXPECT_EQ(ends, 1);
-}
-
-TEST_F(PresenceTest, ShowsTheWindowWhereTheTrayStaysAway) {
-    presence.answer();
-    executor.advance(Presence::unusedTime - 1);
-    presence.loseTray();
-    shown.tray = true;
-    executor.advance(Presence::trayPatience);
-    EXPECT_EQ(windows, 0);
-    shown.tray = false;
-    presence.loseTray();
-    executor.advance(Presence::trayPatience);
-    EXPECT_EQ(windows, 1);
-    EXPECT_EQ(ends, 0);
 }
 
 } // namespace
