@@ -5,12 +5,10 @@
 #include "app/model/AppModel.h"
 #include "app/runtime/Runtime.h"
 #include "bench/Stopwatch.h"
+#include "bench/app/LongestTurn.h"
 
-#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QTimer>
-#include <ctime>
 #include <filesystem>
 #include <iostream>
 
@@ -32,59 +30,18 @@ class NoChanges final : public FolderChanges {
     void stop() override {}
 };
 
-/// The processor time this thread has used.
-double threadMilliseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
-}
-
-/// The longest turn of the event loop, from waking to blocking again, since the last question.
-class Turns : public QObject {
-  public:
-    Turns() {
-        const auto* dispatcher = QAbstractEventDispatcher::instance();
-        connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] {
-            wall_.start();
-            processorStart_ = threadMilliseconds();
-        });
-        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &Turns::end);
-    }
-
-    /// To be called also where nobody waits for events after a turn.
-    void end() {
-        if (!wall_.isValid()) return;
-        longestWall_ = std::max(longestWall_, static_cast<double>(wall_.nsecsElapsed()) * 1e-6);
-        longestProcessor_ = std::max(longestProcessor_, threadMilliseconds() - processorStart_);
-        wall_.invalidate();
-    }
-
-    double takeLongestWall() { return std::exchange(longestWall_, 0); }
-    double takeLongestProcessor() { return std::exchange(longestProcessor_, 0); }
-
-  private:
-    QElapsedTimer wall_;
-    double processorStart_ = 0;
-    double longestWall_ = 0;
-    double longestProcessor_ = 0;
-};
-
 template <typename Start, typename IsDone>
-void measure(const char* name, Turns& turns, Start start, IsDone isDone) {
+void measure(const char* name, bench::LongestTurn& turns, Start start, IsDone isDone) {
     QTimer look; // at whether it is done
     look.start(1);
+    turns.take();
     const bench::Stopwatch stopwatch;
-    const double begun = threadMilliseconds();
     start();
-    const double call = threadMilliseconds() - begun;
     while (!isDone())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    turns.end();
     std::cout << nlohmann::ordered_json{{"name", name},
                                         {"wall", stopwatch.wall() * 1000},
-                                        {"callProcessor", call},
-                                        {"longestTurnWall", turns.takeLongestWall()},
-                                        {"longestTurnProcessor", turns.takeLongestProcessor()}}
+                                        {"longestTurn", turns.take()}}
               << std::endl;
 }
 
@@ -95,10 +52,8 @@ int main(int argc, char** argv) {
         std::cerr << "usage: model DATA-DIRECTORY FOLDER TOVI-DECODER\n";
         return 2;
     }
-    // GLib's event loop says that it wakes only once it has handled what it woke for.
-    qputenv("QT_NO_GLIB", "1");
     QCoreApplication application(argc, argv);
-    Turns turns;
+    bench::LongestTurn turns;
     Runtime runtime(argv[3]);
     NoDesktop desktop;
     AppModel model(

@@ -44,12 +44,14 @@ END;
 COMMIT;)";
 
 // The texts lie in the rows, so whatever runs through many rows reads from an index that covers
-// it: searches and listings in their order from the first, rescans and counts from the second.
+// it: searches and listings in their order from the first, rescans and counts from the second, and
+// what looks for the few downloads of a source from the third.
 constexpr const char* coveringIndexes =
     "CREATE INDEX IF NOT EXISTS files_listing"
     " ON files(modified DESC, path ASC, name, kind, size, source);"
     "CREATE INDEX IF NOT EXISTS files_scan"
-    " ON files(root, path, size, modified, status, source, downloaded, kind);";
+    " ON files(root, path, size, modified, status, source, downloaded, kind);"
+    "CREATE INDEX IF NOT EXISTS files_source ON files(source) WHERE source IS NOT NULL;";
 
 // The list of names that findTextMatches reads, in place of an older one.
 constexpr const char* namesIndex =

@@ -41,6 +41,14 @@ SearchClause textClause(Look& look, const std::string& text) {
             {&look, containsPattern(text)}};
 }
 
+SearchClause sourceClause(const std::string& source) {
+    const bool isHost = source.find('.') != std::string::npos;
+    if (const auto origin = isHost ? DownloadOrigin::from("https://" + source) : std::nullopt) {
+        return {"tovi_source_group(source) = ?", {origin->id}};
+    }
+    return {"source LIKE ? ESCAPE '\\'", {containsPattern(source)}};
+}
+
 SearchClause searchStatement(const SearchQuery& query, const std::optional<SearchClause>& text,
                              const std::optional<std::vector<std::int64_t>>& rows,
                              std::int64_t limit, std::int64_t offset) {
@@ -69,13 +77,8 @@ SearchClause searchStatement(const SearchQuery& query, const std::optional<Searc
     if (query.modifiedBefore) add("modified < ?", {query.modifiedBefore->seconds});
     if (query.minimumSize) add("size >= ?", {*query.minimumSize});
     if (query.source) {
-        const bool isHost = query.source->find('.') != std::string::npos;
-        if (const auto origin =
-                isHost ? DownloadOrigin::from("https://" + *query.source) : std::nullopt) {
-            add("tovi_source_group(source) = ?", {origin->id});
-        } else {
-            add("source LIKE ? ESCAPE '\\'", {containsPattern(*query.source)});
-        }
+        const SearchClause source = sourceClause(*query.source);
+        add(source.sql, source.values);
     }
 
     if (!clauses.empty()) result.sql += fmt::format(" WHERE {}", fmt::join(clauses, " AND "));

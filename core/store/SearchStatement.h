@@ -24,6 +24,10 @@ struct SearchClause {
 SearchClause textClause(const TextMatches& matches, const std::string& text);
 SearchClause textClause(Look& look, const std::string& text);
 
+/// The condition on the addresses of downloads that a query's `source` sets: a host name stands for
+/// its group, any other word for the addresses that contain it.
+SearchClause sourceClause(const std::string& source);
+
 /// One page of search results in the order of the query. `limit` is taken as 1 to 100,000,
 /// `offset` as 0 or more. `text` is absent where the query has no word. With `rows` only these are
 /// looked up.

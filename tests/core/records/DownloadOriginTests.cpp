@@ -1,12 +1,9 @@
 #include "core/records/DownloadOrigin.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tovi {
 namespace {
-
-using testing::ElementsAre;
 
 std::string idOf(std::string_view source) {
     const auto origin = DownloadOrigin::from(source);
@@ -98,16 +95,6 @@ TEST(DownloadOrigin, PrefersTheFirstWebAddress) {
               "https://a.example/1");
     EXPECT_FALSE(DownloadOrigin::preferredURL({"ftp://a.example", ""}));
     EXPECT_FALSE(DownloadOrigin::preferredURL({}));
-}
-
-TEST(DownloadOrigin, FindsEverySuffixInItsOwnRow) {
-    std::vector<std::size_t> counts;
-    for (const DownloadService& service : DownloadOrigin::services) {
-        counts.push_back(service.hostSuffixes.size());
-        for (const std::string_view suffix : service.hostSuffixes)
-            EXPECT_EQ(idOf("https://a." + std::string(suffix)), service.id) << suffix;
-    }
-    EXPECT_THAT(counts, ElementsAre(2, 3, 3, 3, 1, 5, 2, 1, 2, 2, 2, 3, 2, 2));
 }
 
 } // namespace
