@@ -65,7 +65,7 @@ ApplicationWindow {
         visited = visited.slice(0, -1)
     }
 
-    width: Math.min(1180, Screen.width - 40)
+    width: 1180
     height: Math.min(760, Screen.height - 120) // with its title between the bars of a small desktop
     minimumWidth: 720
     minimumHeight: 480

@@ -31,9 +31,15 @@ Window {
     color: isPlaced ? Theme.raised : "transparent"
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
-    onActiveChanged: if (!active && visible) dismissed()
+    onActiveChanged: if (!active && visible) left.restart()
     onClosing: dismissed()
 
+    // What tells that the panel has lost the focus may be about the panel as it was shown before.
+    Timer {
+        id: left
+        interval: 100
+        onTriggered: if (!panel.active && panel.visible) panel.dismissed()
+    }
     TapHandler {
         enabled: !panel.isPlaced
         onTapped: point => {
