@@ -126,11 +126,7 @@ ApplicationWindow {
                     Layout.margins: 8
                     Layout.bottomMargin: 14
                     spacing: 10
-                    Image {
-                        source: "qrc:/qt/qml/Tovi/icons/tovi.svg"
-                        sourceSize: Qt.size(26, 26)
-                        Accessible.ignored: true
-                    }
+                    Mark { extent: 26 }
                     AppText {
                         text: "Tovi"
                         font.pixelSize: Theme.heading
@@ -156,8 +152,13 @@ ApplicationWindow {
                                 Layout.fillWidth: true
                                 text: modelData.text
                                 symbol: modelData.symbol
+                                isCompact: window.height < 680
                                 isCurrent: window.current.id === modelData.id
-                                onClicked: window.show(modelData.id)
+                                onClicked: {
+                                    window.show(modelData.id)
+                                    if (modelData.id === "search")
+                                        content.item.begin()
+                                }
                                 Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
                                 Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
                                 Keys.onReturnPressed: clicked()
@@ -168,6 +169,7 @@ ApplicationWindow {
                 RowLayout {
                     Layout.fillWidth: true
                     Layout.leftMargin: 8
+                    Layout.topMargin: 8
                     spacing: 4
                     AppText {
                         Layout.fillWidth: true
@@ -200,6 +202,7 @@ ApplicationWindow {
             spacing: 0
             Banner {
                 Layout.fillWidth: true
+                radius: 0
                 visible: App.notices.errorMessage !== ""
                 text: App.notices.errorMessage
                 action: App.isLoaded && !App.hasIndex ? qsTr("Build the index anew") : ""
@@ -208,6 +211,7 @@ ApplicationWindow {
             }
             Banner {
                 Layout.fillWidth: true
+                radius: 0
                 visible: App.folders.connectionMessage !== ""
                 isError: false
                 text: App.folders.connectionMessage
@@ -234,6 +238,7 @@ ApplicationWindow {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 24
         anchors.horizontalCenter: parent.horizontalCenter
+        anchors.horizontalCenterOffset: (LayoutMirroring.enabled ? -1 : 1) * (sidebar.visible ? sidebar.width / 2 : 0)
         property string receipt: ""
         onActed: if (receipt) App.plans.undo(receipt)
     }
@@ -268,11 +273,12 @@ ApplicationWindow {
     Connections {
         target: FolderDialogs
         function onRequested(title, message, button, directory) {
-            folderDialog.get().ask(title + " — " + message, button, directory)
+            folderDialog.get().ask(title, message, button, directory)
         }
     }
 
     onActiveFocusItemChanged: follow(activeFocusItem)
+    onCurrentChanged: follow(rows.itemAt(sections.indexOf(current)))
     onClosing: Vault.windowClosed()
 
     OnDemand { source: "sheets/PlanSheet.qml"; isWanted: App.plans.proposedPlan.id !== undefined }
@@ -307,6 +313,14 @@ ApplicationWindow {
             else
                 rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
         }
+    }
+    // From what vanished, such as the button of an empty screen, and from a screen where nothing has
+    // the keyboard yet, Tab would begin in the sidebar.
+    Shortcut {
+        sequence: "Tab"
+        enabled: window.activeFocusItem !== null && (!window.activeFocusItem.visible
+            || window.activeFocusItem === content.item || window.activeFocusItem.parent === null)
+        onActivated: content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     }
     Shortcut { sequence: "Ctrl+W"; onActivated: window.close() }
     Shortcut { sequences: [StandardKey.Quit]; onActivated: Qt.quit() }

@@ -18,6 +18,14 @@ QStringList wordsOf(const QString& text) {
     return words;
 }
 
+bool hasMarks(const QString& excerpt) {
+    return excerpt.contains(QLatin1String("<b>"));
+}
+
+QString markedName(const QString& name, const QStringList& words) {
+    return markedExcerpt(name, words, name.size());
+}
+
 using Excerpts = std::vector<std::pair<QString, QString>>;
 
 Excerpts readExcerpts(IndexStore& index, const QStringList& paths, const QString& text,
@@ -28,7 +36,11 @@ Excerpts readExcerpts(IndexStore& index, const QStringList& paths, const QString
         throwIfCancelled(stop);
         const auto file = index.record(fromQt(path));
         const QString content = file ? toQt(file->content).simplified() : QString();
-        excerpts.emplace_back(path, markedExcerpt(content, words, ExcerptsModel::longestExcerpt));
+        QString excerpt = markedExcerpt(content, words, ExcerptsModel::longestExcerpt);
+        // The beginning of a text says nothing of why the file was found by its name.
+        if (file && !hasMarks(excerpt) && hasMarks(markedName(toQt(file->name), words)))
+            excerpt.clear();
+        excerpts.emplace_back(path, std::move(excerpt));
     }
     return excerpts;
 }
@@ -60,6 +72,10 @@ QString ExcerptsModel::of(const QString& path, const QString& words) {
         QMetaObject::invokeMethod(this, &ExcerptsModel::read, Qt::QueuedConnection);
     if (!wanted_.contains(path)) wanted_.append(path);
     return {};
+}
+
+QString ExcerptsModel::marked(const QString& name, const QString& words) const {
+    return markedName(name, wordsOf(words));
 }
 
 void ExcerptsModel::read() {

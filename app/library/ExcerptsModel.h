@@ -26,10 +26,13 @@ class ExcerptsModel : public QObject {
     /// Moves when more excerpts were read.
     int revision() const { return revision_; }
 
-    /// One line of a file as `markedExcerpt` makes it, with the words marked; empty without text,
-    /// and until it is read, which asking for it begins. Only excerpts of the words asked for last
-    /// are kept.
+    /// One line of a file as `markedExcerpt` makes it, with the words marked; empty where
+    /// they are in the name only, and until it is read, which asking for it begins. Only excerpts
+    /// of the words asked for last are kept.
     Q_INVOKABLE QString of(const QString& path, const QString& words);
+
+    /// A whole name as `markedExcerpt` makes it, with the words marked.
+    Q_INVOKABLE QString marked(const QString& name, const QString& words) const;
 
   Q_SIGNALS:
     void changed();

@@ -18,10 +18,9 @@ QStringList toQt(const std::vector<std::string>& words) {
 }
 
 /// The lines of a PDF are as long as its page is wide, which is no line of the preview's.
-QString readable(const FileRecord& file) {
+QString readable(QString text, bool isPDF) {
     static const QRegularExpression lineEnd(QStringLiteral("(?<!\\n)\\n(?!\\n)"));
-    QString text = tovi::toQt(file.content).trimmed();
-    return file.kind == FileKind::pdf ? text.replace(lineEnd, QStringLiteral(" ")) : text;
+    return isPDF ? text.replace(lineEnd, QStringLiteral(" ")) : text;
 }
 
 } // namespace
@@ -44,8 +43,9 @@ void PreviewModel::show(const QString& path, const QString& phrase) {
             const auto file = index->record(path);
             if (!file) return QString();
             const std::string text = QueryParser().parse(phrase, Date::now()).text;
-            return markedExcerpt(readable(*file), toQt(EvidenceRetriever::words(text)),
-                                 longestExcerpt);
+            const QString content = tovi::toQt(file->content).trimmed();
+            return markedExcerpt(readable(content, file->kind == FileKind::pdf),
+                                 toQt(EvidenceRetriever::words(text)), longestExcerpt);
         },
         [this](const Outcome<QString>& outcome) {
             isLoading_ = false;
@@ -54,8 +54,10 @@ void PreviewModel::show(const QString& path, const QString& phrase) {
         });
 }
 
-QString PreviewModel::marked(const QString& text, const QString& question) const {
-    return markedExcerpt(text, toQt(contentWords(fromQt(question))), text.size());
+QString PreviewModel::marked(const QString& text, const QString& question,
+                             const QString& kind) const {
+    const bool isPDF = fromQt(kind) == rawValue(FileKind::pdf);
+    return markedExcerpt(readable(text, isPDF), toQt(contentWords(fromQt(question))), text.size());
 }
 
 } // namespace tovi

@@ -30,8 +30,9 @@ class PreviewModel : public QObject {
 
     /// `phrase` is what was searched for; may be empty.
     Q_INVOKABLE void show(const QString& path, const QString& phrase);
-    /// A short text that is at hand, marked with the words of a question.
-    Q_INVOKABLE QString marked(const QString& text, const QString& question) const;
+    /// A short text of a file of this kind that is at hand, marked with the words of a question.
+    Q_INVOKABLE QString marked(const QString& text, const QString& question,
+                               const QString& kind) const;
 
   Q_SIGNALS:
     void changed();

@@ -50,6 +50,16 @@ void SearchModel::search(const QString& text) {
     });
 }
 
+void SearchModel::removeChip(int at) {
+    if (!pages_.query()) return;
+    QStringList words;
+    for (const std::string& each : pages_.query()->chipWords)
+        words.append(toQt(each));
+    if (at < 0 || at >= words.size()) return;
+    words.removeAt(at);
+    search(words.join(u' '));
+}
+
 void SearchModel::loadMoreSearchResults() {
     if (!context_.isInMaintenance()) pages_.loadMore();
 }

@@ -48,6 +48,8 @@ class SearchModel : public QObject {
 
     /// Searches; during maintenance, once it is over.
     Q_INVOKABLE void search(const QString& text);
+    /// Searches without the words behind a chip of what is shown.
+    Q_INVOKABLE void removeChip(int at);
     Q_INVOKABLE void loadMoreSearchResults();
     /// Searches the text last searched for once more, for what changed in the index.
     void refresh();

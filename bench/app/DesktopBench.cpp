@@ -1,7 +1,7 @@
 // How the window behaves on a large library: desktop DATA-DIRECTORY
+#include "bench/app/LongestTurn.h"
 #include "ui/desktop/Application.h"
 
-#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -15,6 +15,8 @@
 
 namespace tovi {
 namespace {
+
+using bench::processorMilliseconds;
 
 class NoOpener final : public FileOpener {
   public:
@@ -37,12 +39,6 @@ double sinceProcessStart() {
            static_cast<double>(started) * 1e3 / static_cast<double>(::sysconf(_SC_CLK_TCK));
 }
 
-double processorMilliseconds(clockid_t clock) {
-    timespec used{};
-    ::clock_gettime(clock, &used);
-    return static_cast<double>(used.tv_sec) * 1e3 + static_cast<double>(used.tv_nsec) / 1e6;
-}
-
 /// Without the pages of the index that it maps, which can be dropped at any time.
 long ownMegabytes() {
     std::ifstream maps("/proc/self/smaps");
@@ -58,34 +54,6 @@ long ownMegabytes() {
     }
     return kibibytes * 1024 / 1'000'000;
 }
-
-/// The longest that the main thread worked without looking at its events, in processor time, which
-/// other programs on the machine do not add to.
-class LongestTurn {
-  public:
-    LongestTurn() {
-        auto* dispatcher = QAbstractEventDispatcher::instance();
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &context_, [this] {
-            longest_ = std::max(longest_, now() - begun_);
-            begun_ = now();
-        });
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &context_,
-                         [this] { begun_ = now(); });
-    }
-
-    /// Since the last call.
-    double take() {
-        begun_ = now();
-        return std::exchange(longest_, 0);
-    }
-
-  private:
-    static double now() { return processorMilliseconds(CLOCK_THREAD_CPUTIME_ID); }
-
-    QObject context_;
-    double begun_ = now();
-    double longest_ = 0;
-};
 
 template <typename Condition>
 void waitFor(Condition condition) {
@@ -113,7 +81,7 @@ void scroll(QQuickWindow& window, int pages) {
 }
 
 void run(const std::string& dataDirectory) {
-    LongestTurn turns;
+    bench::LongestTurn turns;
     NoOpener opener;
     Application application({.dataDirectory = dataDirectory,
                              .isDataDirectoryGiven = true,

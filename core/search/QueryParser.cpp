@@ -111,12 +111,18 @@ class Phrase {
     icu::UnicodeString text_;
 };
 
+void addChip(SearchQuery& query, std::string chip, const Match& match) {
+    query.chips.push_back(std::move(chip));
+    query.chipWords.push_back(utf8(match.whole));
+}
+
 void takeScreenshots(Phrase& phrase, SearchQuery& query) {
     static const Pattern pattern(R"(\b(?:screenshots?|screen shots?)\b)");
-    if (!phrase.consume(pattern)) return;
+    const auto match = phrase.consume(pattern);
+    if (!match) return;
     query.kind = FileKind::image;
     query.screenshotsOnly = true;
-    query.chips.emplace_back("Screenshots");
+    addChip(query, "Screenshots", *match);
 }
 
 void takeKind(Phrase& phrase, SearchQuery& query) {
@@ -133,9 +139,10 @@ void takeKind(Phrase& phrase, SearchQuery& query) {
     };
     for (const auto& [pattern, kind] : table) {
         if (query.kind) return;
-        if (!phrase.consume(pattern)) continue;
+        const auto match = phrase.consume(pattern);
+        if (!match) continue;
         query.kind = kind;
-        query.chips.push_back("Type: " + std::string(title(kind)));
+        addChip(query, "Type: " + std::string(title(kind)), *match);
     }
 }
 
@@ -166,7 +173,7 @@ void takeMinimumSize(Phrase& phrase, SearchQuery& query) {
     if (!match) return;
     const auto& [number, unit] = match->groups;
     query.minimumSize = bytesOf(readNumber(withPlainDigits(number)), lowercased(unit));
-    query.chips.push_back(fmt::format("Size ≥ {} {}", utf8(number), uppercased(unit)));
+    addChip(query, fmt::format("Size ≥ {} {}", utf8(number), uppercased(unit)), *match);
 }
 
 void takeRelativeDates(Phrase& phrase, SearchQuery& query, const CalendarPeriods& calendar,
@@ -190,7 +197,8 @@ void takeRelativeDates(Phrase& phrase, SearchQuery& query, const CalendarPeriods
          CalendarUnit::month, -1, 0},
     };
     for (const Period& period : table) {
-        if (!phrase.consume(period.pattern)) continue;
+        const auto match = phrase.consume(period.pattern);
+        if (!match) continue;
         if (period.unit) {
             query.modifiedAfter = calendar.startOf(*period.unit, period.first, now);
             query.modifiedBefore = calendar.startOf(*period.unit, period.end, now);
@@ -198,7 +206,7 @@ void takeRelativeDates(Phrase& phrase, SearchQuery& query, const CalendarPeriods
             query.modifiedAfter = calendar.before(now, 7, CalendarUnit::day);
             query.modifiedBefore = now;
         }
-        query.chips.emplace_back(period.chip);
+        addChip(query, period.chip, *match);
     }
 }
 
@@ -216,7 +224,7 @@ void takeOlderThan(Phrase& phrase, SearchQuery& query, const CalendarPeriods& ca
                               : word.starts_with("month") ? CalendarUnit::month
                                                           : CalendarUnit::year;
     query.modifiedBefore = calendar.before(now, count, unit);
-    query.chips.push_back(fmt::format("Modified: older than {} {}", utf8(number), utf8(unitText)));
+    addChip(query, fmt::format("Modified: older than {} {}", utf8(number), utf8(unitText)), *match);
 }
 
 /// `text` is a date as in "2024-03-31".
@@ -245,7 +253,7 @@ void takeExplicitDate(Phrase& phrase, SearchQuery& query, const CalendarPeriods&
         return;
     }
     query.*bound = midnight;
-    query.chips.push_back(fmt::format("Modified {}: {}", keyword, utf8(match->groups[0])));
+    addChip(query, fmt::format("Modified {}: {}", keyword, utf8(match->groups[0])), *match);
 }
 
 void takeExplicitDates(Phrase& phrase, SearchQuery& query, const CalendarPeriods& calendar) {
@@ -289,7 +297,7 @@ void takeSource(Phrase& phrase, SearchQuery& query) {
     if (!match) return;
     query.source = hostOfService(lowercased(match->groups[0]));
     const auto origin = DownloadOrigin::from("https://" + *query.source);
-    query.chips.push_back("From: " + (origin ? origin->name : utf8(match->groups[0])));
+    addChip(query, "From: " + (origin ? origin->name : utf8(match->groups[0])), *match);
 }
 
 void dropStopWords(Phrase& phrase) {
@@ -315,7 +323,10 @@ SearchQuery QueryParser::parse(std::string_view text, Date now) const {
     takeSource(phrase, query);
     if (!query.chips.empty()) dropStopWords(phrase);
     query.text = phrase.normalized();
-    if (!query.text.empty()) query.chips.push_back("Text: " + query.text);
+    if (!query.text.empty()) {
+        query.chips.push_back("Text: " + query.text);
+        query.chipWords.push_back(query.text);
+    }
     return query;
 }
 

@@ -29,6 +29,7 @@ struct SearchQuery {
     std::optional<std::int64_t> minimumSize; // bytes
     std::optional<std::string> source;       // a host name or a word of a stored address
     std::vector<std::string> chips;          // how the phrase was understood, in order
+    std::vector<std::string> chipWords;      // the words of the phrase behind each of them
     bool screenshotsOnly = false;
     FileOrder order;
 

@@ -1,3 +1,4 @@
+#include "core/files/ProcessLock.h"
 #include "tests/support/Environment.h"
 #include "tests/support/Program.h"
 #include "tests/support/TemporaryTree.h"
@@ -79,6 +80,12 @@ TEST_F(FileActionCommandTest, ChangesNothingBeforeThePlanIsConfirmed) {
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found[0]["path"].get<std::string>() + found[1]["path"].get<std::string>(),
               tree.path("b.txt") + tree.path("d.txt"));
+    {
+        const auto running = ProcessLock::tryTake(data.path("library/library.lock"));
+        ASSERT_TRUE(running);
+        doIt({"trash", tree.path("d.txt")});
+        EXPECT_EQ(json({"search", "txt"}, 0)["files"].size(), 2U) << "the application follows";
+    }
     const ProgramResult outside = run({"trash", data.path("library/index.sqlite")});
     EXPECT_EQ(outside.exitCode, 1);
     EXPECT_THAT(outside.errors, HasSubstr("Only files inside currently authorized folders"));

@@ -220,7 +220,7 @@ TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithoutFiles) {
     tabTo(QStringLiteral("Connect your personal files"));
     key(Qt::Key_Space);
     ASSERT_TRUE(waitForFocus(QStringLiteral("Connect this folder")));
-    key(Qt::Key_Space);
+    key(Qt::Key_Return);
     ASSERT_TRUE(QTest::qWaitFor([&] { return model().folders()->roots().size() == 1; }));
     EXPECT_EQ(model().folders()->roots().front().path, uiProcess().home.path());
 }
@@ -238,6 +238,21 @@ TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
     model().duplicates()->findDuplicates();
     ASSERT_TRUE(QTest::qWaitFor([&] { return model().duplicates()->hasSearched(); }));
     checkAllScreens();
+    key(Qt::Key_Comma, Qt::ControlModifier);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Find a setting")));
+    type(QStringLiteral("tray"));
+    EXPECT_TRUE(isTold(QStringLiteral("Keep running in the tray")));
+    EXPECT_FALSE(isTold(QStringLiteral("More contrast")));
+    EXPECT_FALSE(isTold(QStringLiteral("Appearance")));
+    key(Qt::Key_A, Qt::ControlModifier);
+    type(QStringLiteral("contrast"));
+    QQmlExpression hasContrast(qmlContext(window()), window(),
+                               QStringLiteral("Theme.highContrast"));
+    for (const char* choice : {"On", "Off"}) {
+        tabTo(QLatin1String(choice));
+        key(Qt::Key_Space);
+        EXPECT_EQ(hasContrast.evaluate(), QVariant(choice == std::string("On")));
+    }
 }
 
 TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
@@ -248,8 +263,12 @@ TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
     waitForFiles(2);
 
     key(Qt::Key_F, Qt::ControlModifier);
-    type(QStringLiteral("notice period"));
+    type(QStringLiteral("notice pdfs period"));
+    ASSERT_TRUE(waitUntilTold(QStringLiteral("Remove Type: Pdf")));
+    tabTo(QStringLiteral("Remove Type: Pdf"));
+    key(Qt::Key_Delete);
     ASSERT_TRUE(QTest::qWaitFor([&] { return model().search()->results()->count() == 1; }));
+    EXPECT_EQ(model().search()->query(), QStringLiteral("notice period"));
     key(Qt::Key_Down);
     ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("lease.txt")); }));
 
@@ -296,15 +315,30 @@ TEST_F(Window, SortsPreviewsAndDragsFiles) {
             [&] { return files->value(0, QStringLiteral("name")) == QLatin1String(first); }));
     }
     tabTo(QStringLiteral("b & c.txt"));
+    model().library()->sortBy(QStringLiteral("name"));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return model().library()->files()->value(0, QStringLiteral("name")) ==
+               QStringLiteral("a long.txt");
+    }));
+    ASSERT_TRUE(waitForFocus(QStringLiteral("b & c.txt"))) << "the same file";
 
     key(Qt::Key_Space);
     ASSERT_TRUE(waitForFocus(QStringLiteral("Preview of b & c.txt")));
-    key(Qt::Key_Down);
+    key(Qt::Key_Up);
     ASSERT_TRUE(waitForFocus(QStringLiteral("Preview of a long.txt")));
     EXPECT_TRUE(waitUntilTold(QStringLiteral("the notice period")));
     key(Qt::Key_Escape);
     ASSERT_TRUE(waitForFocus(QStringLiteral("a long.txt")));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Preview of")); }));
+
+    key(Qt::Key_F2);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("New name")));
+    type(QStringLiteral("kept"));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    key(Qt::Key_Tab);
+    key(Qt::Key_Return);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("kept.txt"))) << "the same file under its new name";
 
     const QPoint from = window()->mapFromGlobal(find(QStringLiteral("b & c.txt"))->rect().center());
     QTest::mousePress(window(), Qt::LeftButton, {}, from);
@@ -425,22 +459,6 @@ TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
     tabTo(QStringLiteral("Undo"));
     key(Qt::Key_Space);
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(installer); }));
-}
-
-TEST_F(Window, FindsASettingAndLooksAsItSays) {
-    open();
-    model().setSection(QStringLiteral("settings"));
-    ASSERT_TRUE(waitUntilTold(QStringLiteral("Find a setting")));
-    tabTo(QStringLiteral("Find a setting"));
-    type(QStringLiteral("contrast"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("What is read")); }));
-    QQmlExpression hasContrast(qmlContext(window()), window(),
-                               QStringLiteral("Theme.highContrast"));
-    for (const char* choice : {"On", "Off"}) {
-        tabTo(QLatin1String(choice));
-        key(Qt::Key_Space);
-        EXPECT_EQ(hasContrast.evaluate(), QVariant(choice == std::string("On")));
-    }
 }
 
 TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {

@@ -19,6 +19,8 @@ Button {
     implicitWidth: content.implicitWidth + 28
     padding: 0
     Accessible.name: text
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         RowLayout {

@@ -2,18 +2,20 @@ import QtQuick
 import QtQuick.Layouts
 import Tovi
 
-/// A sentence across the top of a screen, with a way to put it away and perhaps one action.
+/// A sentence across the top of a screen or a card, perhaps with one action and a way to put it away.
 Rectangle {
     id: banner
 
     required property string text
     property string action: ""
     property bool isError: true
+    property bool isDismissable: true
 
     signal dismissed
     signal acted
 
     implicitHeight: Math.max(44, label.implicitHeight + 20)
+    radius: Theme.controlRadius
     color: isError ? Theme.dangerBackground : Theme.warningBackground
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text
@@ -41,6 +43,7 @@ Rectangle {
             onClicked: banner.acted()
         }
         IconButton {
+            visible: banner.isDismissable
             symbol: "xmark"
             label: qsTr("Dismiss")
             onClicked: banner.dismissed()

@@ -50,6 +50,8 @@ Flickable {
                     Accessible.name: title
                     Accessible.description: qsTr("%1, %2").arg(Format.counted(count, qsTr("item"), qsTr("items")))
                         .arg(Format.size(bytes))
+                    Keys.onReturnPressed: clicked()
+                    Keys.onEnterPressed: clicked()
                     onClicked: bars.chosen(id)
                     background: Rectangle {
                         radius: Theme.controlRadius

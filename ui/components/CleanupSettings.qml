@@ -13,6 +13,7 @@ Flickable {
 
     SettingsGroup {
         id: group
+        x: LayoutMirroring.enabled ? parent.width - width : 0
         width: Math.min(parent.width, 760)
         height: implicitHeight
         title: qsTr("Looking for what can be cleaned up")

@@ -19,6 +19,25 @@ Card {
         return row < 0 ? undefined : files.value(row, role)
     }
 
+    component Fact: ColumnLayout {
+        id: fact
+        required property string label
+        required property string text
+        Layout.fillWidth: true
+        visible: text !== ""
+        spacing: 0
+        AppText {
+            text: fact.label
+            isSecondary: true
+            font.pixelSize: Theme.caption
+        }
+        AppText {
+            Layout.fillWidth: true
+            text: fact.text
+            wrapMode: Text.Wrap
+        }
+    }
+
     Flickable {
         anchors.fill: parent
         anchors.margins: 20
@@ -74,32 +93,33 @@ Card {
                     Layout.row: details.phrase === "" ? 0 : 1
                     Layout.fillWidth: true
                     spacing: 12
-                    Repeater {
-                        model: [
-                            { label: qsTr("Kind"), text: details.value("kindTitle") },
-                            { label: qsTr("Size"), text: Format.size(details.value("size") || 0) },
-                            { label: qsTr("Modified"), text: Format.dateTime(details.value("modifiedAt")) },
-                            { label: qsTr("Downloaded"), text: Format.dateTime(details.value("downloadedAt")) },
-                            { label: qsTr("From"), text: details.value("sourceURL") },
-                            { label: qsTr("Content"), text: details.value("contentStatus") },
-                            { label: qsTr("Where"), text: Format.path(details.value("folder") || "") }
-                        ]
-                        ColumnLayout {
-                            required property var modelData
-                            Layout.fillWidth: true
-                            visible: !!modelData.text
-                            spacing: 0
-                            AppText {
-                                text: modelData.label
-                                isSecondary: true
-                                font.pixelSize: Theme.caption
-                            }
-                            AppText {
-                                Layout.fillWidth: true
-                                text: modelData.text || ""
-                                wrapMode: Text.Wrap
-                            }
-                        }
+                    Fact {
+                        label: qsTr("Kind")
+                        text: details.value("kindTitle") || ""
+                    }
+                    Fact {
+                        label: qsTr("Size")
+                        text: Format.size(details.value("size") || 0)
+                    }
+                    Fact {
+                        label: qsTr("Modified")
+                        text: Format.dateTime(details.value("modifiedAt"))
+                    }
+                    Fact {
+                        label: qsTr("Downloaded")
+                        text: Format.dateTime(details.value("downloadedAt"))
+                    }
+                    Fact {
+                        label: qsTr("From")
+                        text: details.value("sourceURL") || ""
+                    }
+                    Fact {
+                        label: qsTr("Content")
+                        text: details.value("contentStatus") || ""
+                    }
+                    Fact {
+                        label: qsTr("Where")
+                        text: Format.path(details.value("folder") || "")
                     }
                 }
                 ColumnLayout {

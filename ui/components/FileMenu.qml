@@ -13,37 +13,57 @@ Menu {
     signal renameRequested(string path)
     signal previewRequested
 
-    MenuItem {
+    padding: 6
+    implicitWidth: 290
+    background: Rectangle {
+        radius: Theme.cardRadius
+        color: Theme.raised
+        border.width: 1
+        border.color: Theme.outline
+    }
+
+    MenuRow {
         text: qsTr("Open")
+        symbol: "arrow.up.right.square"
+        keys: qsTr("Enter")
         onTriggered: App.open(menu.path)
     }
-    MenuItem {
+    MenuRow {
         text: qsTr("Show in folder")
+        symbol: "folder"
+        keys: qsTr("Ctrl+Enter")
         onTriggered: App.reveal(menu.path)
     }
-    MenuItem {
+    MenuRow {
         text: qsTr("Preview")
+        symbol: "photo"
+        keys: qsTr("Space")
         onTriggered: menu.previewRequested()
     }
-    MenuSeparator {}
-    MenuItem {
+    MenuRow {
         text: qsTr("Copy text")
+        symbol: "doc.on.clipboard"
         onTriggered: App.copyIndexedText()
     }
-    MenuItem {
+    MenuRow {
         text: qsTr("Show connections")
+        symbol: "point.3.connected.trianglepath.dotted"
         onTriggered: {
             App.selection.selectedIDs = [menu.path]
             App.section = "graph"
         }
     }
-    MenuItem {
+    MenuRow {
         text: qsTr("Rename…")
+        symbol: "pencil"
+        keys: qsTr("F2")
         enabled: menu.chosen.length === 1
         onTriggered: menu.renameRequested(menu.path)
     }
-    MenuItem {
+    MenuRow {
         text: qsTr("Move to Trash…")
+        symbol: "trash"
+        keys: qsTr("Delete")
         enabled: menu.chosen.length > 0
         onTriggered: App.plans.proposeTrash(menu.chosen)
     }

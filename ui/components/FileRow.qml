@@ -20,14 +20,27 @@ Item {
 
     required property Item owner // the FileTable, whose type holds this one
     readonly property var date: owner.showsDownloadDate && downloadedAt ? downloadedAt : modifiedAt
+    readonly property string sizeText: Format.size(size)
+    readonly property string dateText: Format.date(date)
+    readonly property string folderText: Format.path(folder)
     readonly property bool isChosen: owner.isChosen(path)
     readonly property string excerpt: owner.phrase !== "" && Excerpts.revision >= 0 ? Excerpts.of(path, owner.phrase) : ""
 
+    function withMarks(excerpt) {
+        return excerpt.replace(/<b>/g, "<b><font color=\"" + Theme.accentText + "\">").replace(/<\/b>/g, "</font></b>")
+    }
+
     height: owner.rowHeight
+    // A row that waits to be used again is not seen, and not told of.
+    property bool isWaiting: false
+    ListView.onPooled: isWaiting = true
+    ListView.onReused: isWaiting = false
+
+    Accessible.ignored: isWaiting
     Accessible.role: Accessible.ListItem
     Accessible.name: name
-    Accessible.description: qsTr("%1, %2, %3, in %4, row %5 of %6").arg(kindTitle)
-        .arg(Format.size(size)).arg(Format.date(date)).arg(Format.path(folder)).arg(index + 1).arg(owner.count)
+    Accessible.description: kindTitle + ", " + sizeText + ", " + dateText + ", " + qsTr("in %1").arg(folderText)
+        + ", " + qsTr("row %1 of %2").arg(index + 1).arg(owner.count)
         + (excerpt ? ": " + excerpt.replace(/<[^>]*>/g, "") : "")
     Accessible.selected: isChosen
     Accessible.onPressAction: owner.choose(index, Qt.NoModifier)
@@ -58,9 +71,9 @@ Item {
     TableCell {
         id: sizeCell
         anchors.right: parent.right
-        anchors.rightMargin: 12
+        anchors.rightMargin: width > 0 ? 12 : 0
         width: row.owner.sizeWidth
-        text: Format.size(row.size)
+        text: width > 0 ? row.sizeText : ""
         horizontalAlignment: Text.AlignRight
     }
     TableCell {
@@ -68,7 +81,7 @@ Item {
         anchors.right: sizeCell.left
         anchors.rightMargin: 12
         width: row.owner.dateWidth
-        text: Format.date(row.date)
+        text: row.dateText
     }
     TableCell {
         id: kindCell
@@ -82,7 +95,7 @@ Item {
         anchors.right: kindCell.left
         anchors.rightMargin: width > 0 ? 12 : 0
         width: row.owner.folderWidth
-        text: width > 0 ? Format.path(row.folder) : ""
+        text: width > 0 ? row.folderText : ""
         elide: Text.ElideMiddle
     }
     TableCell {
@@ -90,7 +103,8 @@ Item {
         anchors.leftMargin: 10
         anchors.right: folderCell.left
         anchors.rightMargin: 12
-        text: row.name
+        text: row.owner.phrase === "" ? row.name : row.withMarks(Excerpts.marked(row.name, row.owner.phrase))
+        textFormat: row.owner.phrase === "" ? Text.PlainText : Text.StyledText
         elide: Text.ElideMiddle
         isSecondary: false
     }
@@ -103,7 +117,7 @@ Item {
         y: Theme.rowHeight - 7
         sourceComponent: TableCell {
             height: Theme.caption + 8
-            text: row.excerpt.replace(/<b>/g, "<b><font color=\"" + Theme.accentText + "\">").replace(/<\/b>/g, "</font></b>")
+            text: row.withMarks(row.excerpt)
             textFormat: Text.StyledText
             font.pixelSize: Theme.caption
         }

@@ -25,6 +25,9 @@ FocusScope {
     /// The row's roles; null without one.
     readonly property var currentFile: list.currentItem
     readonly property int count: list.count
+    /// The path of the current row once someone who runs through the list stands still; what shows
+    /// a file follows it.
+    property string shownPath: ""
 
     signal moreWanted
 
@@ -32,7 +35,7 @@ FocusScope {
     readonly property int folderWidth: width > 720 ? 200 : 0
     readonly property int kindWidth: width > 820 ? 90 : 0
     readonly property int dateWidth: 96
-    readonly property int sizeWidth: 76
+    readonly property int sizeWidth: width > 440 ? 76 : 0
     readonly property int rowHeight: Theme.rowHeight + (phrase === "" ? 0 : Theme.caption + 4)
 
     function pathAt(row) {
@@ -127,6 +130,7 @@ FocusScope {
             sorter: table.sorter
         }
         TableHeader {
+            visible: table.sizeWidth > 0
             Layout.preferredWidth: table.sizeWidth
             column: "size"
             text: qsTr("Size")
@@ -227,14 +231,52 @@ FocusScope {
         }
     }
 
-    // Someone who runs through a list looks at the last of the files only.
+    function showCurrent() {
+        shownPath = currentPath
+        Preview.show(shownPath, phrase)
+    }
     Timer {
         id: pause
         interval: 120
-        onTriggered: Preview.show(table.currentPath, table.phrase)
+        onTriggered: table.showCurrent()
     }
-    onCurrentPathChanged: pause.restart()
+    onCurrentPathChanged: {
+        if (!pause.running)
+            Qt.callLater(showCurrent)
+        pause.restart()
+    }
     onPhraseChanged: pause.restart()
+
+    // Rows that come in another order are other rows to the list, as is a file under a new name.
+    Connections {
+        id: rows
+        target: table.files
+        property string soughtPath: ""
+        property bool areAnew: false
+        function onRowsAboutToBeRemoved(parent, first, last) {
+            if (first > 0 || last < table.files.count - 1 || table.currentPath === "")
+                return
+            soughtPath = table.currentPath
+            areAnew = true
+        }
+        function onRowsInserted() {
+            if (soughtPath !== "")
+                Qt.callLater(choose)
+        }
+        function choose() {
+            const row = table.files.rowOf(soughtPath)
+            if (row < 0 && !areAnew)
+                return
+            list.forceLayout()
+            list.currentIndex = row
+            if (row < 0)
+                App.selection.clear()
+            else if (!areAnew)
+                App.selection.selectedIDs = [soughtPath]
+            soughtPath = ""
+            areAnew = false
+        }
+    }
 
     OnDemand {
         id: menu
@@ -247,16 +289,24 @@ FocusScope {
     }
     OnDemand {
         id: renameSheet
-        sourceComponent: RenameSheet {}
+        sourceComponent: RenameSheet {
+            onProposed: path => rows.soughtPath = path
+        }
     }
     OnDemand {
         id: preview
         sourceComponent: PreviewSheet { owner: table }
     }
-    Keys.onMenuPressed: menu.get().popup()
+    function showMenu() {
+        if (!list.currentItem)
+            return
+        menu.get().popup(list.currentItem, 40, rowHeight)
+        menu.item.currentIndex = 0
+    }
+    Keys.onMenuPressed: showMenu()
     Shortcut {
         sequence: "Shift+F10"
         enabled: list.activeFocus
-        onActivated: menu.get().popup()
+        onActivated: table.showMenu()
     }
 }

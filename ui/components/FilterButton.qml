@@ -15,6 +15,8 @@ AbstractButton {
     Accessible.role: Accessible.RadioButton
     Accessible.name: text
     Accessible.checked: isCurrent
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         RowLayout {

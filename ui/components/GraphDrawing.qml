@@ -42,7 +42,7 @@ Item {
             transformOrigin: Item.Left
             antialiasing: true
             color: drawing.colorOf(kind)
-            opacity: isCurrent ? 1 : 0.4
+            opacity: isCurrent ? 1 : kind === "folder" && drawing.isCrowded ? 0.2 : 0.4
         }
     }
     Repeater {
@@ -61,7 +61,7 @@ Item {
             required property double across
             required property double down
             readonly property bool isCurrent: path === drawing.currentPath
-            readonly property double extent: depth === 0 ? 52 : drawing.isCrowded ? 18 : depth === 1 ? 32 : 22
+            readonly property double extent: depth === 0 ? 52 : drawing.isCrowded ? kind === "folder" ? 14 : 26 : depth === 1 ? 32 : 22
             property double centerX: drawing.width / 2 + across * drawing.reachX
             property double centerY: drawing.height / 2 + down * drawing.reachY
 
@@ -100,7 +100,7 @@ Item {
                 AppText {
                     id: label
                     anchors.centerIn: parent
-                    width: Math.min(implicitWidth, node.isCurrent ? 240 : 130)
+                    width: Math.min(implicitWidth, node.isCurrent || node.depth === 0 ? 240 : Math.min(130, drawing.width / 4))
                     text: node.name
                     elide: Text.ElideMiddle
                     font.pixelSize: Theme.caption

@@ -13,6 +13,8 @@ Button {
     implicitHeight: 32
     padding: 0
     Accessible.name: label
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     ToolTip.text: label
     ToolTip.visible: hovered || (visualFocus && activeFocus)
     ToolTip.delay: 600

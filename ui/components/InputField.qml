@@ -10,14 +10,17 @@ TextField {
     property string symbol: ""
 
     implicitHeight: Theme.controlHeight
-    leftPadding: symbol ? 36 : 12
-    rightPadding: 12
+    readonly property bool isMirrored: LayoutMirroring.enabled
+    readonly property int room: symbol ? 36 : 12
+    leftPadding: isMirrored ? 12 : room
+    rightPadding: isMirrored ? room : 12
     font.pixelSize: Theme.body
     color: Theme.text
     placeholderTextColor: Theme.secondaryText
     selectionColor: Theme.accent
     selectedTextColor: Theme.accentInk
     selectByMouse: true
+    horizontalAlignment: TextInput.AlignLeft // which a mirrored window mirrors
     verticalAlignment: TextInput.AlignVCenter
     Accessible.name: label
 
@@ -29,7 +32,7 @@ TextField {
         AppIcon {
             visible: field.symbol !== ""
             symbol: field.symbol
-            x: field.mirrored ? parent.width - width - 11 : 11
+            x: field.isMirrored ? parent.width - width - 11 : 11
             anchors.verticalCenter: parent.verticalCenter
         }
     }

@@ -9,11 +9,12 @@ ItemDelegate {
 
     required property string symbol
     property bool isCurrent: false
+    property bool isCompact: false
 
-    implicitHeight: Theme.rowHeight
+    implicitHeight: isCompact ? Theme.compactRowHeight : Theme.rowHeight
     padding: 0
     leftPadding: 12
-    focusPolicy: isCurrent || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+    focusPolicy: isCurrent || activeFocus ? Qt.TabFocus : Qt.NoFocus
     rightPadding: 8
     Accessible.role: Accessible.ListItem
     Accessible.name: text

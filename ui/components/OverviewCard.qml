@@ -13,6 +13,8 @@ AbstractButton {
     implicitHeight: 96
     padding: 16
     Accessible.name: value + " " + text
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: Theme.cardRadius

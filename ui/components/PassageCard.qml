@@ -57,7 +57,7 @@ Card {
         }
         MarkedText {
             Layout.fillWidth: true
-            excerpt: Preview.marked(card.excerpt, card.question)
+            excerpt: Preview.marked(card.excerpt, card.question, card.file.kind)
             lineHeight: 1.25
         }
     }

@@ -28,7 +28,7 @@ Sheet {
 
     title: heading
     closePolicy: isExecuting ? Popup.NoAutoClose : Popup.CloseOnEscape
-    onOpened: cancel.forceActiveFocus()
+    onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
     onClosed: cancelled()
 
     ColumnLayout {
@@ -62,13 +62,17 @@ Sheet {
             clip: true
             model: sheet.rows
             boundsBehavior: Flickable.StopAtBounds
-            ScrollBar.vertical: ScrollBar {}
+            // Always seen, so that no row is missed.
+            ScrollBar.vertical: ScrollBar {
+                policy: ScrollBar.AlwaysOn
+                visible: size < 1
+            }
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Files of the plan")
             delegate: RowLayout {
                 required property var model
                 required property int index
-                width: ListView.view.width - 12
+                width: ListView.view.width
                 height: 46
                 spacing: 12
                 Accessible.role: Accessible.ListItem
@@ -92,6 +96,7 @@ Sheet {
                     }
                 }
                 AppText {
+                    Layout.rightMargin: 12
                     text: Format.size(model.size)
                     isSecondary: true
                 }

@@ -26,6 +26,9 @@ RowLayout {
             visible: text !== ""
             text: header.subtitle
             isSecondary: true
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
+            elide: Text.ElideRight
         }
     }
     RowLayout {

@@ -10,6 +10,8 @@ RowLayout {
     /// Each with `value` and `text`.
     required property var options
     required property string current
+    /// 0 for as much as the label takes.
+    property int labelWidth: 160
 
     signal chosen(string value)
 
@@ -18,7 +20,8 @@ RowLayout {
     Accessible.name: label
 
     AppText {
-        Layout.preferredWidth: 160
+        Layout.preferredWidth: choice.labelWidth > 0 ? choice.labelWidth : implicitWidth
+        Layout.rightMargin: 4
         text: choice.label
     }
     Repeater {

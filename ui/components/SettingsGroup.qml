@@ -9,17 +9,28 @@ Card {
     required property string title
     default property alias content: column.data
 
-    /// Whether every one of the words stands somewhere in the group.
-    function has(words) {
-        if (words === "")
+    /// Only the rows that have all of these words are shown.
+    property string filter: ""
+    readonly property bool isFound: filter === "" || hasRow(column.children)
+
+    function hasRow(rows) {
+        for (let at = 0; at < rows.length; ++at) {
+            if (rows[at].group && shows(rows[at]))
+                return true
+        }
+        return false
+    }
+    /// Whether every one of the words stands in the row or in the title.
+    function shows(row) {
+        if (filter === "")
             return true
-        const said = textOf(column).toLowerCase()
-        return words.toLowerCase().split(/\s+/).every(word => said.includes(word))
+        const said = (title + textOf(row)).toLowerCase()
+        return filter.toLowerCase().split(/\s+/).every(word => said.includes(word))
     }
     function textOf(item) {
-        let text = item.text || ""
+        let text = " " + (item.text || "") + " " + (item.label || "")
         for (let at = 0; at < item.children.length; ++at)
-            text += " " + textOf(item.children[at])
+            text += textOf(item.children[at])
         return text
     }
 
@@ -27,7 +38,9 @@ Card {
 
     ColumnLayout {
         id: column
-        anchors.fill: parent
+        anchors.top: parent.top
+        anchors.left: parent.left
+        anchors.right: parent.right
         anchors.margins: 20
         spacing: 12
         AppText {

@@ -14,11 +14,9 @@ Item {
         width: Math.min(parent.width, 560)
         spacing: 16
 
-        Image {
+        Mark {
             Layout.alignment: Qt.AlignHCenter
-            source: "qrc:/qt/qml/Tovi/icons/tovi.svg"
-            sourceSize: Qt.size(72, 72)
-            Accessible.ignored: true
+            extent: 72
         }
         AppText {
             Layout.alignment: Qt.AlignHCenter
@@ -39,23 +37,10 @@ Item {
             Layout.fillWidth: true
             visible: !welcome.hasFolders
             implicitHeight: promises.implicitHeight + 40
-            ColumnLayout {
+            Promises {
                 id: promises
                 anchors.fill: parent
                 anchors.margins: 20
-                spacing: 12
-                Statement {
-                    symbol: "checkmark"
-                    text: qsTr("Indexed: names, dates and origins of your files, and the text of documents, PDFs and pictures.")
-                }
-                Statement {
-                    symbol: "xmark"
-                    text: qsTr("Never: hidden files, keys and credentials, system folders, caches.")
-                }
-                Statement {
-                    symbol: "lock.shield"
-                    text: qsTr("Nothing leaves this computer, nothing is deleted, nothing is overwritten.")
-                }
             }
         }
         RowLayout {

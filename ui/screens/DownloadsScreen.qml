@@ -52,11 +52,10 @@ FocusScope {
             onDismissed: Downloads.refresh()
         }
 
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: groups.count > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
                 SplitView.preferredWidth: 236
@@ -127,7 +126,8 @@ FocusScope {
                     anchors.top: parent.top
                     anchors.left: parent.left
                     anchors.right: parent.right
-                    anchors.margins: 16
+                    anchors.margins: 20
+                    anchors.topMargin: 16
                     text: screen.isLatest || screen.groupRow < 0 ? qsTr("Latest downloads")
                         : qsTr("%1  ·  %2").arg(Downloads.groups.value(screen.groupRow, "name"))
                             .arg(Format.size(Downloads.groups.value(screen.groupRow, "bytes")))
@@ -158,11 +158,12 @@ FocusScope {
                 SplitView.preferredWidth: 280
                 SplitView.minimumWidth: 220
                 visible: isWanted
-                isWanted: screen.width > 900 && table.currentPath !== ""
+                asynchronous: true
+                isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: screen.shown
                     revision: screen.shown.count
-                    path: table.currentPath
+                    path: table.shownPath
                 }
             }
         }

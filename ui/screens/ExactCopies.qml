@@ -23,13 +23,13 @@ FocusScope {
             Layout.fillWidth: true
             visible: screen.groups.count > 0 && !screen.isBusy
             readonly property bool isNarrow: screen.width < 740
-            columns: isNarrow ? 2 : 3
+            columns: isNarrow ? 1 : 2
             columnSpacing: 8
             rowSpacing: 8
             SettingsChoice {
                 Layout.fillWidth: true
-                Layout.columnSpan: parent.isNarrow ? 2 : 1
                 label: qsTr("Keep of each group")
+                labelWidth: 0
                 options: [
                     { value: "newest", text: qsTr("The newest") },
                     { value: "oldest", text: qsTr("The oldest") },
@@ -38,16 +38,19 @@ FocusScope {
                 current: App.duplicates.keep
                 onChosen: value => App.duplicates.keep = value
             }
-            ActionButton {
+            RowLayout {
                 Layout.alignment: Qt.AlignRight
-                text: qsTr("Search again")
-                symbol: "arrow.clockwise"
-                onClicked: App.duplicates.findDuplicates()
-            }
-            ActionButton {
-                text: qsTr("Review all…")
-                isPrimary: true
-                onClicked: App.proposeDuplicateTrash("")
+                spacing: 8
+                ActionButton {
+                    text: qsTr("Search again")
+                    symbol: "arrow.clockwise"
+                    onClicked: App.duplicates.findDuplicates()
+                }
+                ActionButton {
+                    text: qsTr("Review all…")
+                    isPrimary: true
+                    onClicked: App.proposeDuplicateTrash("")
+                }
             }
         }
 
@@ -112,14 +115,18 @@ FocusScope {
                                 text: Format.path(modelData.path)
                                 elide: Text.ElideMiddle
                             }
-                            AppText {
-                                text: Format.date(modelData.modifiedAt)
-                                isSecondary: true
-                            }
                             Chip {
                                 visible: modelData.path === group.stays
                                 text: qsTr("Keep")
                                 symbol: "checkmark"
+                            }
+                            AppText {
+                                Layout.preferredWidth: Math.max(96, implicitWidth)
+                                Layout.preferredHeight: 24
+                                text: Format.date(modelData.modifiedAt)
+                                horizontalAlignment: Text.AlignRight
+                                verticalAlignment: Text.AlignVCenter
+                                isSecondary: true
                             }
                         }
                     }
@@ -138,7 +145,7 @@ FocusScope {
                 sentence: App.duplicates.hasSearched
                     ? qsTr("No two of your indexed files are the same.")
                     : qsTr("Files of the same size are compared byte for byte. Nothing is changed.")
-                action: App.duplicates.hasSearched ? "" : qsTr("Find duplicates")
+                action: App.duplicates.hasSearched ? qsTr("Search again") : qsTr("Find duplicates")
                 onActed: App.duplicates.findDuplicates()
             }
             ColumnLayout {

@@ -21,7 +21,8 @@ FocusScope {
             Layout.fillWidth: true
             title: screen.title
             subtitle: screen.total > 0
-                ? qsTr("Showing %1 of %2").arg(Format.count(App.library.files.count))
+                ? App.library.files.count === screen.total ? Format.counted(screen.total, qsTr("file"), qsTr("files"))
+                : qsTr("Showing %1 of %2").arg(Format.count(App.library.files.count))
                     .arg(Format.counted(screen.total, qsTr("file"), qsTr("files")))
                 : ""
             ActionButton {
@@ -54,11 +55,10 @@ FocusScope {
             }
         }
 
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: screen.total > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
                 SplitView.fillWidth: true
@@ -86,11 +86,12 @@ FocusScope {
                 SplitView.preferredWidth: 300
                 SplitView.minimumWidth: 220
                 visible: isWanted
-                isWanted: screen.width > 900 && table.currentPath !== ""
+                asynchronous: true
+                isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: App.library.files
                     revision: App.library.filesRevision
-                    path: table.currentPath
+                    path: table.shownPath
                 }
             }
         }

@@ -101,11 +101,10 @@ FocusScope {
             onActed: Graph.refresh()
             onDismissed: Graph.refresh()
         }
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: list.count > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
                 SplitView.fillWidth: true
@@ -132,8 +131,8 @@ FocusScope {
                 }
             }
             Card {
-                SplitView.preferredWidth: screen.width > 900 ? 330 : 250
-                SplitView.minimumWidth: 240
+                SplitView.preferredWidth: screen.width > 900 ? 330 : 280
+                SplitView.minimumWidth: 270
                 ListView {
                     id: list
                     anchors.fill: parent

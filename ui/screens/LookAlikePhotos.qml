@@ -140,12 +140,12 @@ FocusScope {
                             onClicked: comparison.show(group.files, group.keeper)
                         }
                     }
-                    AppText {
+                    Banner {
                         Layout.fillWidth: true
                         visible: text !== ""
                         text: group.warning
-                        color: Theme.warning
-                        wrapMode: Text.Wrap
+                        isError: false
+                        isDismissable: false
                     }
                     Flow {
                         Layout.fillWidth: true

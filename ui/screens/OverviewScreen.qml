@@ -84,7 +84,7 @@ FocusScope {
                 SettingsGroup {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
-                    Layout.alignment: Qt.AlignTop
+                    Layout.fillHeight: true
                     title: qsTr("By kind")
                     Repeater {
                         model: screen.summary.kinds || []
@@ -95,6 +95,8 @@ FocusScope {
                             Layout.fillWidth: true
                             implicitHeight: Theme.rowHeight
                             Accessible.name: modelData.title + ", " + Format.count(modelData.count)
+                            Keys.onReturnPressed: clicked()
+                            Keys.onEnterPressed: clicked()
                             onClicked: {
                                 App.library.libraryKind = modelData.kind
                                 App.section = "files"
@@ -137,7 +139,7 @@ FocusScope {
                 SettingsGroup {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
-                    Layout.alignment: Qt.AlignTop
+                    Layout.fillHeight: true
                     title: qsTr("Recent files")
                     Repeater {
                         model: App.library.recentFiles
@@ -152,6 +154,8 @@ FocusScope {
                             implicitHeight: Theme.rowHeight + 8
                             Accessible.name: name
                             Accessible.description: qsTr("Open, in %1, modified %2").arg(Format.path(folder)).arg(Format.date(modifiedAt))
+                            Keys.onReturnPressed: clicked()
+                            Keys.onEnterPressed: clicked()
                             onClicked: App.open(path)
                             background: Rectangle {
                                 radius: Theme.rowRadius

@@ -21,7 +21,7 @@ FocusScope {
 
         ColumnLayout {
             id: column
-            x: 24
+            x: screen.LayoutMirroring.enabled ? parent.width - width - 24 : 24
             y: 24
             width: Math.min(parent.width - 48, 760)
             spacing: 16
@@ -73,7 +73,7 @@ FocusScope {
     Sheet {
         id: clearSheet
         title: qsTr("Clear the index")
-        onOpened: cancel.forceActiveFocus()
+        onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
         ColumnLayout {
             width: parent.width
             spacing: 16

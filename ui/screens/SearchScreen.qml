@@ -100,18 +100,22 @@ FocusScope {
             visible: !screen.isAsking && App.search.chips.length > 0
             Repeater {
                 model: App.search.chips
-                Chip {
+                PhraseChip {
                     required property string modelData
+                    required property int index
                     text: modelData
+                    onClicked: {
+                        field.forceActiveFocus()
+                        App.search.removeChip(index)
+                    }
                 }
             }
         }
 
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: !screen.isAsking && screen.found.count > 0
-            handle: Item { implicitWidth: 16 }
             Card {
                 SplitView.fillWidth: true
                 SplitView.minimumWidth: 380
@@ -130,11 +134,12 @@ FocusScope {
                 SplitView.preferredWidth: 320
                 SplitView.minimumWidth: 220
                 visible: isWanted
-                isWanted: screen.width > 900 && table.currentPath !== ""
+                asynchronous: true
+                isWanted: screen.width > 900 && table.shownPath !== ""
                 sourceComponent: FileDetails {
                     files: screen.found
                     revision: App.search.resultsRevision
-                    path: table.currentPath
+                    path: table.shownPath
                     phrase: App.search.activeSearchText
                 }
             }

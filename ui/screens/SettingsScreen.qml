@@ -27,7 +27,7 @@ FocusScope {
 
         ColumnLayout {
             id: column
-            x: 24
+            x: screen.LayoutMirroring.enabled ? parent.width - width - 24 : 24
             y: 24
             width: Math.min(parent.width - 48, 760)
             spacing: 16
@@ -37,7 +37,8 @@ FocusScope {
                 title: screen.title
                 subtitle: qsTr("Every change applies at once")
                 InputField {
-                    id: filter
+                    id: field
+                    focus: true
                     Layout.preferredWidth: 240
                     label: qsTr("Find a setting")
                     placeholderText: label
@@ -48,21 +49,22 @@ FocusScope {
             EmptyState {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.topMargin: 48
-                visible: [folders, reading, quickSearch, desktop, appearance].every(group => !group.visible)
+                visible: [folders, reading, quickSearch, desktop, appearance].every(group => !group.isFound)
                 symbol: "magnifyingglass"
                 title: qsTr("No setting of these words")
                 action: qsTr("Show all")
-                onActed: filter.text = ""
+                onActed: field.text = ""
             }
 
             SettingsGroup {
                 id: folders
                 Layout.fillWidth: true
-                visible: has(filter.text)
+                visible: isFound
+                filter: field.text
                 title: qsTr("Connected folders")
                 Repeater {
                     model: App.folders.roots
-                    RowLayout {
+                    SettingsRow {
                         id: root
                         required property string path
                         required property string name
@@ -70,141 +72,169 @@ FocusScope {
                         required property string freshness
                         required property date freshSince
                         required property string freshnessReason
-                        Layout.fillWidth: true
-                        spacing: 12
-                        AppIcon { symbol: "folder" }
-                        ColumnLayout {
+                        group: folders
+                        RowLayout {
                             Layout.fillWidth: true
-                            spacing: 0
-                            AppText {
+                            spacing: 12
+                            AppIcon { symbol: "folder" }
+                            ColumnLayout {
                                 Layout.fillWidth: true
-                                text: root.name
-                                isStrong: true
+                                spacing: 0
+                                AppText {
+                                    Layout.fillWidth: true
+                                    text: root.name
+                                    isStrong: true
+                                }
+                                AppText {
+                                    Layout.fillWidth: true
+                                    text: root.available ? Format.path(root.path) : qsTr("Not available now: %1").arg(Format.path(root.path))
+                                    elide: Text.ElideMiddle
+                                    isSecondary: true
+                                    font.pixelSize: Theme.caption
+                                }
+                                AppText {
+                                    Layout.fillWidth: true
+                                    text: root.freshness === "live" ? qsTr("Changes are noticed at once.")
+                                        : root.freshness === "periodic" ? qsTr("Scanned every five minutes. %1").arg(root.freshnessReason)
+                                        : qsTr("Changes are not noticed since %1. %2").arg(Format.dateTime(root.freshSince)).arg(root.freshnessReason)
+                                    wrapMode: Text.Wrap
+                                    isSecondary: true
+                                    font.pixelSize: Theme.caption
+                                }
                             }
-                            AppText {
-                                Layout.fillWidth: true
-                                text: root.available ? Format.path(root.path) : qsTr("Not available now: %1").arg(Format.path(root.path))
-                                elide: Text.ElideMiddle
-                                isSecondary: true
-                                font.pixelSize: Theme.caption
+                            ActionButton {
+                                text: qsTr("Disconnect")
+                                onClicked: App.removeRoot(root.path)
+                                Accessible.name: qsTr("Disconnect %1").arg(root.name)
                             }
-                            AppText {
-                                Layout.fillWidth: true
-                                text: root.freshness === "live" ? qsTr("Changes are noticed at once.")
-                                    : root.freshness === "periodic" ? qsTr("Scanned every five minutes. %1").arg(root.freshnessReason)
-                                    : qsTr("Changes are not noticed since %1. %2").arg(Format.dateTime(root.freshSince)).arg(root.freshnessReason)
-                                wrapMode: Text.Wrap
-                                isSecondary: true
-                                font.pixelSize: Theme.caption
-                            }
-                        }
-                        ActionButton {
-                            text: qsTr("Disconnect")
-                            onClicked: App.removeRoot(root.path)
-                            Accessible.name: qsTr("Disconnect %1").arg(root.name)
                         }
                     }
                 }
-                ActionButton {
-                    text: qsTr("Add folder")
-                    symbol: "folder.badge.plus"
-                    isPrimary: true
-                    onClicked: App.folders.presentFolderPicker()
+                SettingsRow {
+                    group: folders
+                    ActionButton {
+                        text: qsTr("Add folder")
+                        symbol: "folder.badge.plus"
+                        isPrimary: true
+                        onClicked: App.folders.presentFolderPicker()
+                    }
                 }
             }
 
             SettingsGroup {
                 id: reading
                 Layout.fillWidth: true
-                visible: has(filter.text)
+                visible: isFound
+                filter: field.text
                 title: qsTr("What is read")
-                SettingsSwitch {
-                    Layout.fillWidth: true
-                    text: qsTr("Search text inside source code and configuration files")
-                    checked: App.settings.developerMode
-                    onToggled: App.settings.developerMode = checked
-                }
-                AppText { text: qsTr("Names left out, one pattern on a line") }
-                ScrollView {
-                    Layout.fillWidth: true
-                    Layout.preferredHeight: 150
-                    TextArea {
-                        id: patterns
-                        text: App.settings.exclusions
-                        font.family: "monospace"
-                        font.pixelSize: Theme.body
-                        color: Theme.text
-                        selectByMouse: true
-                        Accessible.name: qsTr("Names left out")
-                        Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
-                        Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
-                        background: Rectangle {
-                            radius: Theme.controlRadius
-                            color: Theme.background
-                            border.width: patterns.activeFocus ? 2 : 1
-                            border.color: patterns.activeFocus ? Theme.accent : Theme.outline
-                        }
+                SettingsRow {
+                    group: reading
+                    SettingsSwitch {
+                        Layout.fillWidth: true
+                        text: qsTr("Search text inside source code and configuration files")
+                        checked: App.settings.developerMode
+                        onToggled: App.settings.developerMode = checked
                     }
                 }
-                ActionButton {
-                    id: apply
-                    text: qsTr("Apply and scan again")
-                    enabled: patterns.text !== App.settings.exclusions
-                    onClicked: App.settings.exclusions = patterns.text
+                SettingsRow {
+                    group: reading
+                    AppText { text: qsTr("Names left out, one pattern on a line") }
+                    ScrollView {
+                        Layout.fillWidth: true
+                        Layout.preferredHeight: 150
+                        TextArea {
+                            id: patterns
+                            text: App.settings.exclusions
+                            font.family: "monospace"
+                            font.pixelSize: Theme.body
+                            color: Theme.text
+                            selectByMouse: true
+                            Accessible.name: qsTr("Names left out")
+                            Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+                            Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
+                            background: Rectangle {
+                                radius: Theme.controlRadius
+                                color: Theme.background
+                                border.width: patterns.activeFocus ? 2 : 1
+                                border.color: patterns.activeFocus ? Theme.accent : Theme.outline
+                            }
+                        }
+                    }
+                    ActionButton {
+                        id: apply
+                        text: qsTr("Apply and scan again")
+                        enabled: patterns.text !== App.settings.exclusions
+                        onClicked: App.settings.exclusions = patterns.text
+                    }
                 }
             }
 
             ShortcutSettings {
                 id: quickSearch
                 Layout.fillWidth: true
-                visible: has(filter.text)
+                visible: isFound
+                filter: field.text
             }
             DesktopSettingsGroup {
                 id: desktop
                 Layout.fillWidth: true
-                visible: has(filter.text)
+                visible: isFound
+                filter: field.text
             }
 
             SettingsGroup {
                 id: appearance
                 Layout.fillWidth: true
-                visible: has(filter.text)
+                visible: isFound
+                filter: field.text
                 title: qsTr("Appearance")
-                SettingsChoice {
-                    Layout.fillWidth: true
-                    label: qsTr("Theme")
-                    options: [
-                        { value: "minimal", text: qsTr("Minimal") },
-                        { value: "lilac", text: qsTr("Lilac") },
-                        { value: "midnight", text: qsTr("Midnight") }
-                    ]
-                    current: App.settings.themeChoice
-                    onChosen: value => App.settings.themeChoice = value
+                SettingsRow {
+                    group: appearance
+                    SettingsChoice {
+                        Layout.fillWidth: true
+                        label: qsTr("Theme")
+                        options: [
+                            { value: "minimal", text: qsTr("Minimal") },
+                            { value: "lilac", text: qsTr("Lilac") },
+                            { value: "midnight", text: qsTr("Midnight") }
+                        ]
+                        current: App.settings.themeChoice
+                        onChosen: value => App.settings.themeChoice = value
+                    }
                 }
-                SettingsChoice {
-                    Layout.fillWidth: true
-                    label: qsTr("Light or dark")
-                    options: [
-                        { value: "light", text: qsTr("Light") },
-                        { value: "dark", text: qsTr("Dark") },
-                        { value: "system", text: Theme.isSystemDark ? qsTr("As the system (dark)") : qsTr("As the system (light)") }
-                    ]
-                    current: App.settings.appearance
-                    onChosen: value => App.settings.appearance = value
+                SettingsRow {
+                    group: appearance
+                    SettingsChoice {
+                        Layout.fillWidth: true
+                        label: qsTr("Light or dark")
+                        options: [
+                            { value: "light", text: qsTr("Light") },
+                            { value: "dark", text: qsTr("Dark") },
+                            { value: "system", text: Theme.isSystemDark ? qsTr("As the system (dark)") : qsTr("As the system (light)") }
+                        ]
+                        current: App.settings.appearance
+                        onChosen: value => App.settings.appearance = value
+                    }
                 }
-                SettingsChoice {
-                    Layout.fillWidth: true
-                    label: qsTr("More contrast")
-                    options: screen.systemOr(SystemAppearance.hasHighContrast)
-                    current: Desktop.moreContrast
-                    onChosen: value => Desktop.moreContrast = value
+                SettingsRow {
+                    group: appearance
+                    SettingsChoice {
+                        Layout.fillWidth: true
+                        label: qsTr("More contrast")
+                        options: screen.systemOr(SystemAppearance.hasHighContrast)
+                        current: Desktop.moreContrast
+                        onChosen: value => Desktop.moreContrast = value
+                    }
                 }
-                SettingsChoice {
-                    Layout.fillWidth: true
-                    label: qsTr("Less motion")
-                    options: screen.systemOr(SystemAppearance.hasReducedMotion)
-                    current: Desktop.lessMotion
-                    onChosen: value => Desktop.lessMotion = value
+                SettingsRow {
+                    group: appearance
+                    SettingsChoice {
+                        Layout.fillWidth: true
+                        label: qsTr("Less motion")
+                        options: screen.systemOr(SystemAppearance.hasReducedMotion)
+                        current: Desktop.lessMotion
+                        onChosen: value => Desktop.lessMotion = value
+                    }
                 }
             }
         }

@@ -117,9 +117,17 @@ FocusScope {
                             spacing: 8
                             AppText {
                                 Layout.fillWidth: true
-                                text: Format.path(modelData)
+                                Layout.preferredWidth: 1
+                                text: Format.fileName(modelData)
+                                elide: Text.ElideMiddle
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                Layout.preferredWidth: 1
+                                text: Format.path(Format.folder(modelData))
                                 elide: Text.ElideMiddle
                                 isSecondary: true
+                                font.pixelSize: Theme.caption
                             }
                             IconButton {
                                 symbol: "arrow.up.right.square"

@@ -73,6 +73,7 @@ FocusScope {
             SettingsChoice {
                 Layout.fillWidth: true
                 label: qsTr("Group by")
+                labelWidth: 0
                 options: [
                     { value: "day", text: qsTr("Day") },
                     { value: "week", text: qsTr("Week") },
@@ -97,15 +98,14 @@ FocusScope {
             onDismissed: Timeline.refresh()
         }
 
-        SplitView {
+        Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: periods.count > 0
-            handle: Item { implicitWidth: 16 }
 
             Card {
-                SplitView.preferredWidth: screen.width > 900 ? 290 : 230
-                SplitView.minimumWidth: 220
+                SplitView.preferredWidth: screen.width > 900 ? 290 : 236
+                SplitView.minimumWidth: 200
                 ListView {
                     id: periods
                     anchors.fill: parent

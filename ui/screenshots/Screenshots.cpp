@@ -205,6 +205,7 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
              at.vault().lock();
              waitFor([&] { return !at.vault().isBusy(); });
          }},
+        {QStringLiteral("offer"), [](Photographer& at) { at.model().folders()->addHomeFolder(); }},
         {QStringLiteral("palette"),
          [](Photographer& at) { at.model().setShowCommandPalette(true); }},
     };
@@ -240,8 +241,9 @@ void run(const QCommandLineParser& line) {
     if (!contactSheet.isEmpty()) photographer.beginContactSheet();
     for (const QString& name : line.positionalArguments()) {
         const auto scene = scenes().find(name);
-        scene == scenes().end() || folder.isEmpty() ? photographer.show(name)
-                                                    : scene->second(photographer);
+        scene == scenes().end() || (folder.isEmpty() && name != QStringLiteral("offer"))
+            ? photographer.show(name)
+            : scene->second(photographer);
         photographer.take(name);
         model.setShowCommandPalette(false);
         if (model.plans()->proposedPlan()) model.plans()->cancelPlan();

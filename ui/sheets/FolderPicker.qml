@@ -8,8 +8,10 @@ import Tovi.Models
 Item {
     id: picker
 
-    function ask(question, button, directory) {
-        dialog.title = question
+    function ask(title, message, button, directory) {
+        dialog.title = title + " — " + message
+        sheet.title = title
+        sheet.message = message
         dialog.acceptLabel = button
         sheet.button = button
         sheet.folder = directory
@@ -28,14 +30,15 @@ Item {
     Sheet {
         id: sheet
 
+        property string message: ""
         property string button: ""
         property url folder
         property url answer
 
-        title: dialog.title
+        title: ""
         onOpened: {
             answer = ""
-            yes.forceActiveFocus()
+            yes.forceActiveFocus(Qt.TabFocusReason)
         }
         onClosed: if (!dialog.visible) FolderDialogs.finish(answer)
 
@@ -50,9 +53,28 @@ Item {
                 isStrong: true
                 Accessible.role: Accessible.Heading
             }
-            Statement {
-                symbol: "folder"
-                text: VaultDialogs.path(sheet.folder)
+            AppText {
+                Layout.fillWidth: true
+                text: sheet.message
+                wrapMode: Text.Wrap
+                isSecondary: true
+            }
+            Card {
+                Layout.fillWidth: true
+                implicitHeight: offer.implicitHeight + 32
+                color: Theme.background
+                ColumnLayout {
+                    id: offer
+                    anchors.fill: parent
+                    anchors.margins: 16
+                    spacing: 12
+                    Statement {
+                        symbol: "folder"
+                        readonly property string path: VaultDialogs.path(sheet.folder)
+                        text: path === Format.home ? qsTr("Your home folder") : Format.path(path)
+                    }
+                    Promises { Layout.fillWidth: true }
+                }
             }
             RowLayout {
                 Layout.alignment: Qt.AlignRight

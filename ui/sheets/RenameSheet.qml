@@ -12,6 +12,8 @@ Sheet {
 
     title: qsTr("Rename")
 
+    signal proposed(string newPath)
+
     function ask(file) {
         path = file
         field.text = name
@@ -22,6 +24,7 @@ Sheet {
     }
     function propose() {
         App.plans.proposeRename(path, field.text)
+        proposed(Format.folder(path) + "/" + field.text)
         close()
     }
 

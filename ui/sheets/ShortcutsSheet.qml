@@ -11,7 +11,7 @@ Sheet {
         "Ctrl+K", qsTr("Commands"),
         "Ctrl+F", qsTr("Search"),
         "Ctrl+,", qsTr("Settings"),
-        "Ctrl+Z", qsTr("Take the last change back"),
+        "Ctrl+Z", qsTr("Undo the last change"),
         "F5", qsTr("Refresh"),
         "F6", qsTr("Sidebar and screen"),
         "F9", qsTr("Hide or show the sidebar"),
@@ -24,12 +24,12 @@ Sheet {
         "Enter", qsTr("Open"),
         "Ctrl+Enter", qsTr("Show in folder"),
         "F2", qsTr("Rename"),
-        "Delete", qsTr("Propose to move to the Trash"),
+        "Delete", qsTr("Move to the Trash…"),
         "Shift+F10", qsTr("Menu of the file")
     ]
 
     title: qsTr("Keys")
-    onOpened: closeButton.forceActiveFocus()
+    onOpened: closeButton.forceActiveFocus(Qt.TabFocusReason)
 
     ColumnLayout {
         width: parent.width

@@ -59,7 +59,7 @@ Item {
         }
 
         title: verb
-        onOpened: cancel.forceActiveFocus()
+        onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
         onClosed: VaultDialogs.cancel()
 
         ColumnLayout {

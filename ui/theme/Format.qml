@@ -7,6 +7,10 @@ QtObject {
     /// The folder that "~" stands for; set by the window.
     property string home: ""
 
+    readonly property var locale: Qt.locale()
+    readonly property string dateFormat: locale.dateFormat(Locale.ShortFormat)
+    readonly property string dateTimeFormat: locale.dateTimeFormat(Locale.ShortFormat)
+
     function path(value) {
         return home !== "" && (value + "/").startsWith(home + "/") ? "~" + value.substring(home.length) : value
     }
@@ -17,11 +21,11 @@ QtObject {
     }
 
     function size(bytes) {
-        return Qt.locale().formattedDataSize(bytes, bytes < 1000 ? 0 : 1, Locale.DataSizeSIFormat)
+        return locale.formattedDataSize(bytes, bytes < 1000 ? 0 : 1, Locale.DataSizeSIFormat)
     }
 
     function count(number) {
-        return Number(number).toLocaleString(Qt.locale(), "f", 0)
+        return Number(number).toLocaleString(locale, "f", 0)
     }
 
     /// "1 file", "1,204 files"; `many` is the plural of `one`.
@@ -30,17 +34,21 @@ QtObject {
     }
 
     function date(value) {
-        return value ? Qt.formatDate(value, Qt.locale().dateFormat(Locale.ShortFormat)) : ""
+        return value ? Qt.formatDate(value, dateFormat) : ""
     }
 
     function dateTime(value) {
-        return value ? Qt.formatDateTime(value, Qt.locale().dateTimeFormat(Locale.ShortFormat)) : ""
+        return value ? Qt.formatDateTime(value, dateTimeFormat) : ""
     }
 
     /// Minutes and seconds.
     function duration(seconds) {
         const whole = Math.max(0, Math.round(seconds))
         return Math.floor(whole / 60) + ":" + String(whole % 60).padStart(2, "0")
+    }
+
+    function folder(path) {
+        return path.substring(0, path.lastIndexOf("/"))
     }
 
     function fileName(path) {
@@ -51,14 +59,14 @@ QtObject {
     function period(start, unit) {
         const day = new Date(start)
         if (unit === "month")
-            return day.toLocaleDateString(Qt.locale(), "MMMM yyyy")
-        const written = day.toLocaleDateString(Qt.locale(), "d MMMM yyyy")
+            return day.toLocaleDateString(locale, "MMMM yyyy")
+        const written = day.toLocaleDateString(locale, "d MMMM yyyy")
         if (unit === "week")
             return qsTr("Week of %1").arg(written)
         const today = new Date()
         today.setHours(0, 0, 0, 0)
         const days = Math.round((today - day) / 86400000)
         return days === 0 ? qsTr("Today") : days === 1 ? qsTr("Yesterday")
-            : day.toLocaleDateString(Qt.locale(), "ddd d MMMM yyyy")
+            : day.toLocaleDateString(locale, "ddd d MMMM yyyy")
     }
 }

@@ -48,6 +48,7 @@ QtObject {
     readonly property int cardRadius: 12
     readonly property int sheetRadius: 16
     readonly property int rowHeight: Math.max(34, Math.ceil(metrics.height) + 16)
+    readonly property int compactRowHeight: Math.max(28, Math.ceil(metrics.height) + 10)
     readonly property int controlHeight: Math.max(32, Math.ceil(metrics.height) + 14)
 
     // Type follows the system's font size; the names are the roles of a text.

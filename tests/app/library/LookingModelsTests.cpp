@@ -123,7 +123,7 @@ TEST_F(LookingModelsTest, PreviewShowsTheTextOfTheLastFileWithTheWordsSearchedFo
     EXPECT_EQ(model.excerpt(), QString()) << "not that of another file";
     executor.settle();
     EXPECT_FALSE(model.isLoading());
-    EXPECT_EQ(model.marked(toQt("Who is the landlord"), toQt("who is the landlord?")),
+    EXPECT_EQ(model.marked(toQt("Who is\nthe landlord"), toQt("who is the landlord?"), toQt("pdf")),
               toQt("Who is the <b>landlord</b>"));
 }
 
@@ -145,6 +145,10 @@ TEST_F(LookingModelsTest, ExcerptsAreReadTogetherForTheWordsAskedForLast) {
     ask("landlord");
     executor.settle();
     EXPECT_TRUE(ask("landlord").first().endsWith(toQt(" The <b>landlord</b> pays.")));
+    ask("lease");
+    executor.settle();
+    EXPECT_EQ(ask("lease").first(), QString()) << "found by its name only";
+    EXPECT_EQ(model.marked(toQt("a lease"), toQt("lease")), toQt("a <b>lease</b>"));
     model.setIndex(nullptr);
     EXPECT_EQ(ask("landlord").first(), QString()) << "a closed index tells nothing";
 }

@@ -80,6 +80,8 @@ TEST(QueryParser, CutsFiltersOutAndNamesThem) {
         EXPECT_EQ(joined(query), row.chips) << row.phrase;
     }
     EXPECT_EQ(parse(""), SearchQuery{});
+    EXPECT_THAT(parse("Rome from last week  Pdfs over  5mb from x about me").chipWords,
+                ElementsAre("Pdfs", "over  5mb", "from last week", "from x", "Rome"));
     EXPECT_EQ(parse("screenshots").kind, FileKind::image);
     EXPECT_TRUE(parse("screenshots").screenshotsOnly);
     EXPECT_FALSE(parse("pictures").screenshotsOnly);
