@@ -32,6 +32,7 @@ int run(int argc, char** argv, Context& context) {
     app.require_subcommand(1);
     app.fallthrough();
     app.footer(exitCodes);
+    app.set_version_flag("--version", "tovictl " TOVI_VERSION, "Print the version and exit");
     app.add_option("--data-dir", context.dataDirectory,
                    "Where the index is kept (default: $XDG_DATA_HOME/Ardeno)");
     app.add_flag("--json", context.json, "Print JSON for programs");

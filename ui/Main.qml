@@ -66,7 +66,7 @@ ApplicationWindow {
     }
 
     width: 1180
-    height: 760
+    height: Math.min(760, Screen.height - 120) // with its title between the bars of a small desktop
     minimumWidth: 720
     minimumHeight: 480
     visible: true
@@ -96,8 +96,16 @@ ApplicationWindow {
     Binding { target: Format; property: "home"; value: window.homeDirectory }
     Binding { target: Theme; property: "appearance"; value: App.settings.appearance }
     Binding { target: Theme; property: "isSystemDark"; value: SystemAppearance.isDark; when: SystemAppearance.knowsScheme }
-    Binding { target: Theme; property: "highContrast"; value: Desktop.moreContrast || SystemAppearance.hasHighContrast }
-    Binding { target: Theme; property: "reducedMotion"; value: Desktop.lessMotion || SystemAppearance.hasReducedMotion }
+    Binding {
+        target: Theme
+        property: "highContrast"
+        value: Desktop.moreContrast === "system" ? SystemAppearance.hasHighContrast : Desktop.moreContrast === "on"
+    }
+    Binding {
+        target: Theme
+        property: "reducedMotion"
+        value: Desktop.lessMotion === "system" ? SystemAppearance.hasReducedMotion : Desktop.lessMotion === "on"
+    }
 
     RowLayout {
         anchors.fill: parent

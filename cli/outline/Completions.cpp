@@ -20,7 +20,8 @@ void forEachCommand(const Outline& program,
         [&](const std::string& path, const Outline& command, const Options& around) {
             Options options = command.options;
             for (const Outline::Option& option : around) {
-                if (option.names.back() != "--help") options.push_back(option);
+                const std::string& name = option.names.back();
+                if (name != "--help" && name != "--version") options.push_back(option);
             }
             call(path, command, options);
             for (const Outline& each : command.commands)
@@ -30,7 +31,7 @@ void forEachCommand(const Outline& program,
 }
 
 /// `text` between single quotes of a shell.
-std::string quoted(const std::string& text) {
+std::string inQuotes(const std::string& text) {
     std::string result = "'";
     for (const char character : text) {
         if (character == '\'')
@@ -52,82 +53,86 @@ std::string withoutColons(std::string text) {
 std::vector<std::string> quotedPaths(const Outline& program) {
     std::vector<std::string> paths;
     forEachCommand(program, [&](const std::string& path, const Outline& command, const Options&) {
-        if (&command != &program) paths.push_back(quoted(path));
+        if (&command != &program) paths.push_back(inQuotes(path));
     });
     return paths;
 }
 
-/// What bash and zsh share: how the words so far name a command.
-std::string pathCases(const Outline& program) {
-    return fmt::format("        case \"$path $word\" in\n"
+/// What bash and zsh share: `path` becomes that of the command that the words so far name, and then
+/// does what `act` says for it.
+std::string actionsByPath(
+    const Outline& program, const std::string& words,
+    const std::function<std::string(const Outline& command, const Options& options)>& act) {
+    std::string cases;
+    forEachCommand(
+        program, [&](const std::string& path, const Outline& command, const Options& options) {
+            cases += fmt::format("    {}) {} ;;\n", inQuotes(path), act(command, options));
+        });
+    return fmt::format("    local path={} word\n"
+                       "    for word in {}; do\n"
+                       "        case \"$path $word\" in\n"
                        "            {}) path=\"$path $word\" ;;\n"
-                       "        esac\n",
-                       fmt::join(quotedPaths(program), " | "));
+                       "        esac\n"
+                       "    done\n"
+                       "    case $path in\n"
+                       "{}"
+                       "    esac\n",
+                       program.name, words, fmt::join(quotedPaths(program), " | "), cases);
 }
 
 } // namespace
 
 std::string bashCompletion(const Outline& program) {
-    std::string cases;
-    forEachCommand(program,
-                   [&](const std::string& path, const Outline& command, const Options& options) {
-                       std::vector<std::string> words;
-                       for (const Outline& each : command.commands)
-                           words.push_back(each.name);
-                       for (const Outline::Option& option : options)
-                           words.insert(words.end(), option.names.begin(), option.names.end());
-                       cases += fmt::format("        {}) words={} ;;\n", quoted(path),
-                                            quoted(fmt::format("{}", fmt::join(words, " "))));
-                   });
     return fmt::format("_{0}() {{\n"
-                       "    local path={0} word words\n"
-                       "    for word in \"${{COMP_WORDS[@]:1:COMP_CWORD-1}}\"; do\n"
+                       "    local words\n"
                        "{1}"
-                       "    done\n"
-                       "    case $path in\n"
-                       "{2}"
-                       "    esac\n"
                        "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- "
                        "\"${{COMP_WORDS[COMP_CWORD]}}\")\n"
                        "}}\n"
                        "complete -o default -F _{0} {0}\n",
-                       program.name, pathCases(program), cases);
+                       program.name,
+                       actionsByPath(program, "\"${COMP_WORDS[@]:1:COMP_CWORD-1}\"",
+                                     [](const Outline& command, const Options& options) {
+                                         std::string words;
+                                         for (const Outline& each : command.commands)
+                                             words += each.name + " ";
+                                         for (const Outline::Option& option : options)
+                                             words +=
+                                                 fmt::format("{} ", fmt::join(option.names, " "));
+                                         return "words=" + inQuotes(words);
+                                     }));
 }
 
 std::string zshCompletion(const Outline& program) {
-    std::string cases;
-    forEachCommand(program, [&](const std::string& path, const Outline& command,
-                                const Options& options) {
-        cases += fmt::format("        {})\n", quoted(path));
-        cases += "            commands=(";
-        for (const Outline& each : command.commands)
-            cases += "\n                " +
-                     quoted(withoutColons(each.name) + ":" + withoutColons(each.description));
-        cases += ")\n            options=(";
-        for (const Outline::Option& option : options) {
-            for (const std::string& name : option.names)
-                cases +=
-                    "\n                " + quoted(name + ":" + withoutColons(option.description));
-        }
-        cases += ") ;;\n";
-    });
+    const auto described = [](const std::string& name, const std::string& description) {
+        return "\n        " + inQuotes(name + ":" + withoutColons(description));
+    };
     return fmt::format("#compdef {0}\n"
-                       "local path={0} word\n"
-                       "local -a commands options\n"
-                       "for word in \"${{(@)words[2,CURRENT-1]}}\"; do\n"
+                       "_{0}() {{\n"
+                       "    local -a commands options\n"
                        "{1}"
-                       "done\n"
-                       "case $path in\n"
-                       "{2}"
-                       "esac\n"
-                       "if [[ $PREFIX == -* ]]; then\n"
-                       "    _describe option options\n"
-                       "elif (( $#commands )); then\n"
-                       "    _describe command commands\n"
-                       "else\n"
-                       "    _files\n"
-                       "fi\n",
-                       program.name, pathCases(program), cases);
+                       "    if [[ $PREFIX == -* ]]; then\n"
+                       "        _describe option options\n"
+                       "    elif (( $#commands )); then\n"
+                       "        _describe command commands\n"
+                       "    else\n"
+                       "        _files\n"
+                       "    fi\n"
+                       "}}\n"
+                       "_{0} \"$@\"\n",
+                       program.name,
+                       actionsByPath(program, "\"${(@)words[2,CURRENT-1]}\"",
+                                     [&](const Outline& command, const Options& options) {
+                                         std::string arrays = "commands=(";
+                                         for (const Outline& each : command.commands)
+                                             arrays += described(each.name, each.description);
+                                         arrays += ") options=(";
+                                         for (const Outline::Option& option : options) {
+                                             for (const std::string& name : option.names)
+                                                 arrays += described(name, option.description);
+                                         }
+                                         return arrays + ")";
+                                     }));
 }
 
 std::string fishCompletion(const Outline& program) {
@@ -136,15 +141,16 @@ std::string fishCompletion(const Outline& program) {
                                 const Options& options) {
         const std::string start =
             fmt::format("complete -c {} -n {}", program.name,
-                        quoted("test (__" + program.name + "_path) = " + quoted(path)));
+                        inQuotes("test (__" + program.name + "_path) = " + inQuotes(path)));
         for (const Outline& each : command.commands)
-            lines += fmt::format("{} -f -a {} -d {}\n", start, each.name, quoted(each.description));
+            lines +=
+                fmt::format("{} -f -a {} -d {}\n", start, each.name, inQuotes(each.description));
         for (const Outline::Option& option : options) {
             std::string names;
             for (const std::string& name : option.names)
                 names += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
             lines += fmt::format("{}{}{} -d {}\n", start, names, option.takesValue ? " -r" : "",
-                                 quoted(option.description));
+                                 inQuotes(option.description));
         }
     });
     return fmt::format("function __{0}_path\n"

@@ -66,7 +66,9 @@ TEST_F(LongWorkTest, TellsOfTheFirstScanOnlyAndOfWhatTookLong) {
     EXPECT_EQ(told[1].section, QStringLiteral("duplicates"));
 }
 
-TEST_F(LongWorkTest, OffersToTakeALongMoveBack) {
+TEST_F(LongWorkTest, OffersToTakeLongMovesBack) {
+    const std::string old = tree.write("Screenshot 2020-01-01 at 9.png", "123");
+    tree.setModified("Screenshot 2020-01-01 at 9.png", executor.now().seconds - 100 * 86'400);
     connectTree();
     confirmTrash(11);
     ASSERT_EQ(told.size(), 1U) << error();
@@ -78,6 +80,20 @@ TEST_F(LongWorkTest, OffersToTakeALongMoveBack) {
     confirmTrash(9);
     EXPECT_FALSE(std::filesystem::exists(tree.path("two.txt")));
     EXPECT_EQ(told.size(), 1U);
+
+    cleanup->scan();
+    executor.settle();
+    cleanup->candidates()->toggle(QString::fromStdString(old));
+    cleanup->review();
+    executor.settle();
+    cleanup->confirm(cleanup->proposedPlanValues()[QStringLiteral("id")].toString());
+    executor.pass(11);
+    executor.settle();
+    ASSERT_EQ(told.size(), 2U) << error();
+    EXPECT_FALSE(told[1].text.contains(QStringLiteral("Screenshot")));
+    told[1].undo();
+    executor.settle();
+    EXPECT_TRUE(std::filesystem::exists(old));
 }
 
 } // namespace

@@ -15,6 +15,7 @@ from gi.repository import GLib
 
 BIN = pathlib.Path(sys.argv.pop(1)).resolve()
 TOVI = "app.ardeno.Tovi"
+WATCHER = "org.kde.StatusNotifierWatcher"
 MOCK = "org.freedesktop.DBus.Mock"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = "org.a11y.atspi.Registry"
@@ -58,10 +59,11 @@ class Desktop(unittest.TestCase):
     def called(self, method):
         return next((args for name, args in self.calls if name == method), None)
 
-    def stand_in(self, name, path, methods, properties=None, interface=None):
-        """A service with methods (name, arguments, answer, code of the answer)."""
+    def stand_in(self, name, path, methods, properties=None, interface=None, template=None):
+        """A service with methods (name, arguments, answer, code of the answer), or one of a template."""
         interface = interface or name
-        server = subprocess.Popen([sys.executable, "-m", "dbusmock", name, path, interface],
+        kind = ("--template", template) if template else (name, path, interface)
+        server = subprocess.Popen([sys.executable, "-m", "dbusmock", *kind],
                                   stdout=subprocess.DEVNULL)
         self.addCleanup(server.wait)
         self.addCleanup(server.terminate)

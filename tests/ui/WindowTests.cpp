@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QFile>
 #include <QImage>
+#include <QQmlExpression>
 #include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -243,6 +244,15 @@ TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
     EXPECT_TRUE(isTold(QStringLiteral("Keep running in the tray")));
     EXPECT_FALSE(isTold(QStringLiteral("More contrast")));
     EXPECT_FALSE(isTold(QStringLiteral("Appearance")));
+    key(Qt::Key_A, Qt::ControlModifier);
+    type(QStringLiteral("contrast"));
+    QQmlExpression hasContrast(qmlContext(window()), window(),
+                               QStringLiteral("Theme.highContrast"));
+    for (const char* choice : {"On", "Off"}) {
+        tabTo(QLatin1String(choice));
+        key(Qt::Key_Space);
+        EXPECT_EQ(hasContrast.evaluate(), QVariant(choice == std::string("On")));
+    }
 }
 
 TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {

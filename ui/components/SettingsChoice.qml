@@ -30,6 +30,7 @@ RowLayout {
             required property var modelData
             text: modelData.text
             isCurrent: choice.current === modelData.value
+            Accessible.description: choice.label
             onClicked: choice.chosen(modelData.value)
         }
     }

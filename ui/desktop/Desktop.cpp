@@ -12,6 +12,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 
 namespace tovi {
@@ -35,7 +36,13 @@ class CommandLine {
     /// Prints help or version, which need no display, and ends the program if they are asked for.
     void answer(const QStringList& arguments) {
         parser_.parse(arguments);
-        if (parser_.isSet(help_)) parser_.showHelp();
+        if (parser_.isSet(help_)) {
+            // The parser takes the name from the QCoreApplication.
+            const QString text = parser_.helpText().replace(QStringLiteral("<executable_name>"),
+                                                            QStringLiteral("tovi"));
+            std::printf("%s", qUtf8Printable(text));
+            std::exit(0);
+        }
         if (parser_.isSet(version_)) parser_.showVersion();
     }
 
@@ -119,10 +126,8 @@ int runDesktop(int argc, char** argv) {
              .isWindowShown = !commandLine.isQuickSearch() && !commandLine.isService()},
             opener);
         if (!desktop.window()) return 1;
-        QObject::connect(&opener, &SystemFileOpener::failed, desktop.model().notices(),
-                         [&desktop](const QString& sentence) {
-                             desktop.model().notices()->setError(sentence.toStdString());
-                         });
+        QObject::connect(&opener, &SystemFileOpener::failed, &desktop.integration(),
+                         &DesktopIntegration::showError);
         desktop.integration().obey(activation, search);
         if (commandLine.isQuickSearch()) desktop.integration().showQuickSearch({});
         return QCoreApplication::exec();

@@ -16,7 +16,10 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
       longWork_(parts.executor, parts.model, parts.cleanup),
       hotKey_(makeHotKeySource()),
       quickSearch_(parts.executor, *parts.model.search(), parts.opener),
-      panel_(parts.engine, quickSearch_) {
+      panel_(parts.engine, quickSearch_),
+      presence_(parts.executor, [this] {
+          return Presence::Shown{window()->isVisible(), panel_.isShown(), livesInTray()};
+      }) {
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Desktop", &settings_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "SystemAppearance", &appearance_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Tray", &tray_);
@@ -31,13 +34,11 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
     connect(&model_, &AppModel::loaded, this, &DesktopIntegration::registerShortcut);
     connect(model_.settings(), &SettingsModel::changed, this,
             &DesktopIntegration::registerShortcut);
-    // Started for the panel alone, the program ends with it.
-    connect(&panel_, &QuickSearchPanelController::dismissed, this, [this] {
-        if (!window()->isVisible() && !livesInTray()) QCoreApplication::quit();
-    });
-    connect(&settings_, &DesktopSettings::failed, this, [this](const QString& sentence) {
-        model_.notices()->setError(sentence.toStdString());
-    });
+    // Started for the panel alone, or for a question, the program ends after it.
+    connect(&panel_, &QuickSearchPanelController::dismissed, &presence_, &Presence::leavePanel);
+    connect(&presence_, &Presence::ended, qGuiApp, &QCoreApplication::quit);
+    connect(&presence_, &Presence::windowWanted, this, [this] { window()->showMinimized(); });
+    connect(&settings_, &DesktopSettings::failed, this, &DesktopIntegration::showError);
     connect(&settings_, &DesktopSettings::changed, this, &DesktopIntegration::followTray);
     connect(&tray_, &Tray::shownChanged, this, &DesktopIntegration::followTray);
     connect(qGuiApp, &QGuiApplication::lastWindowClosed, this,
@@ -55,10 +56,15 @@ void DesktopIntegration::obey(const DesktopActivation& activation, SystemSearch&
     connect(&activation, &DesktopActivation::activated, this, &DesktopIntegration::showWindow);
     connect(&activation, &DesktopActivation::quickSearchRequested, this,
             &DesktopIntegration::showQuickSearch);
+    if (window()->isVisible()) tray_.appear();
     search.answerFrom(executor_, model_, settings_);
-    connect(&search, &SystemSearch::asked, this, &DesktopIntegration::endWhenUnused);
-    connect(&search, &SystemSearch::openRequested, &model_, &AppModel::open);
-    connect(&search, &SystemSearch::revealRequested, &model_, &AppModel::reveal);
+    connect(&search, &SystemSearch::asked, &presence_, &Presence::answer);
+    connect(&search, &SystemSearch::openRequested, this, [this](const QString& path) {
+        if (!model_.open(path)) showWindow({});
+    });
+    connect(&search, &SystemSearch::revealRequested, this, [this](const QString& path) {
+        if (!model_.reveal(path)) showWindow({});
+    });
     connect(&search, &SystemSearch::searchRequested, this, [this](const QString& phrase) {
         model_.setSection(QStringLiteral("search"));
         model_.search()->search(phrase);
@@ -70,28 +76,21 @@ QQuickWindow* DesktopIntegration::window() const {
     return qobject_cast<QQuickWindow*>(engine_.rootObjects().value(0));
 }
 
-void DesktopIntegration::showWindow(const QVariantMap& platformData) {
-    window()->setWindowStates(window()->windowStates() & ~Qt::WindowMinimized);
-    window()->show();
-    activate(*window(), platformData);
+void DesktopIntegration::showError(const QString& sentence) {
+    model_.notices()->setError(sentence.toStdString());
+    if (window()->isVisible()) return window()->alert(0);
+    showWindow({});
 }
 
-/// Nothing that runs may be out of reach: without a tray a closed window is the end, and a window
-/// whose tray vanished comes back, out of the way.
+void DesktopIntegration::showWindow(const QVariantMap& platformData) {
+    activate(*window(), platformData);
+    tray_.appear();
+}
+
+/// Without a tray a closed window is the end.
 void DesktopIntegration::followTray() {
     QGuiApplication::setQuitOnLastWindowClosed(!livesInTray());
-    if (tray_.isShown()) return;
-    runAfter(executor_, this, trayPatience, [this] {
-        if (!tray_.isShown() && !window()->isVisible()) window()->showMinimized();
-    });
-}
-
-/// The bus starts the program also for a question of the desktop's search alone.
-void DesktopIntegration::endWhenUnused() {
-    runAfter(executor_, this, unusedTime, [this, use = ++uses_] {
-        const bool isUsed = window()->isVisible() || panel_.isShown() || livesInTray();
-        if (use == uses_ && !isUsed) QCoreApplication::quit();
-    });
+    if (!tray_.isShown()) presence_.loseTray();
 }
 
 void DesktopIntegration::explainTray() {

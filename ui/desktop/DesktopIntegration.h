@@ -2,6 +2,7 @@
 
 #include "app/model/AppModel.h"
 #include "app/vault/VaultModel.h"
+#include "ui/desktop/Presence.h"
 #include "ui/quicksearch/QuickSearchPanelController.h"
 #include "ui/session/DesktopActivation.h"
 #include "ui/session/DesktopSettings.h"
@@ -22,9 +23,7 @@ class DesktopIntegration : public QObject {
     Q_OBJECT
 
   public:
-    static constexpr double unusedTime = 60;   // seconds without a window until the program ends
-    static constexpr double closingTime = 1;   // seconds in which a program that quits is gone
-    static constexpr double trayPatience = 10; // seconds for a tray that vanished to come back
+    static constexpr double closingTime = 1; // seconds in which a program that quits is gone
 
     /// All outlive the integration.
     struct Parts {
@@ -45,6 +44,8 @@ class DesktopIntegration : public QObject {
     /// In front, as far as the desktop allows that for `platformData`.
     void showWindow(const QVariantMap& platformData);
     void showQuickSearch(const QVariantMap& platformData);
+    /// Above the screen, in a window that is shown for it or asks for attention. A whole sentence.
+    void showError(const QString& sentence);
     QuickSearchState& quickSearch() { return quickSearch_; }
 
   private:
@@ -53,7 +54,6 @@ class DesktopIntegration : public QObject {
     bool livesInTray() const { return tray_.isShown() && settings_.staysInTray(); }
     void followTray();
     void explainTray();
-    void endWhenUnused();
     void tell(const LongWorkNotice& notice);
 
     Executor& executor_;
@@ -68,7 +68,7 @@ class DesktopIntegration : public QObject {
     GlobalHotKey hotKey_;
     QuickSearchState quickSearch_;
     QuickSearchPanelController panel_;
-    int uses_ = 0;
+    Presence presence_;
 };
 
 } // namespace tovi

@@ -11,34 +11,56 @@ Window {
     signal dismissed()
 
     function present() {
-        show()
+        isPlaced ? show() : showMaximized()
         field.forceActiveFocus()
         field.selectAll()
     }
 
     readonly property int visibleRows: 8
+    /// Wayland lets no program place its windows, and desktops put small ones into a corner. There
+    /// the window is all of the screen that it may have, and only the panel in it can be seen.
+    readonly property bool isPlaced: !Qt.platform.pluginName.startsWith("wayland")
 
     objectName: "tovi-quick-search"
     title: "Tovi Quick Search"
     flags: Qt.Dialog | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
-    width: 640
-    height: Math.ceil(content.implicitHeight) + 24
+    width: isPlaced ? box.width : Screen.width
+    height: isPlaced ? box.height : Screen.height
     x: Screen.virtualX + Math.round((Screen.width - width) / 2)
     y: Screen.virtualY + Math.round(Screen.height / 5)
-    color: Theme.raised
-    onActiveChanged: if (!active && visible) dismissed()
+    color: isPlaced ? Theme.raised : "transparent"
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
+    onActiveChanged: if (!active && visible) left.restart()
     onClosing: dismissed()
 
+    // What tells that the panel has lost the focus may be about the panel as it was shown before.
+    Timer {
+        id: left
+        interval: 100
+        onTriggered: if (!panel.active && panel.visible) panel.dismissed()
+    }
+    TapHandler {
+        enabled: !panel.isPlaced
+        onTapped: point => {
+            if (!box.contains(box.mapFromItem(null, point.scenePosition)))
+                panel.dismissed()
+        }
+    }
     Rectangle {
-        anchors.fill: parent
-        color: "transparent"
+        id: box
+        x: panel.isPlaced ? 0 : Math.round((panel.width - width) / 2)
+        y: panel.isPlaced ? 0 : Math.round(panel.height / 5)
+        width: 640
+        height: Math.ceil(content.implicitHeight) + 24
+        color: Theme.raised
         border.color: Theme.outline
     }
     ColumnLayout {
         id: content
-        x: 12
-        y: 12
-        width: parent.width - 24
+        x: box.x + 12
+        y: box.y + 12
+        width: box.width - 24
         spacing: 8
 
         InputField {

@@ -16,6 +16,7 @@ ItemDelegate {
     /// Among the visible rows, from 1: its key with Alt.
     required property int place
 
+    verticalPadding: 0
     leftPadding: 12
     rightPadding: 12
     focusPolicy: Qt.NoFocus
@@ -45,7 +46,7 @@ ItemDelegate {
             }
             AppText {
                 Layout.fillWidth: true
-                text: row.folder
+                text: Format.path(row.folder)
                 textFormat: Text.PlainText
                 elide: Text.ElideMiddle
                 maximumLineCount: 1

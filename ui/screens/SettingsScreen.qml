@@ -10,6 +10,14 @@ FocusScope {
 
     readonly property string title: qsTr("Settings")
 
+    function systemOr(isOn) {
+        return [
+            { value: "system", text: isOn ? qsTr("As the system (on)") : qsTr("As the system (off)") },
+            { value: "on", text: qsTr("On") },
+            { value: "off", text: qsTr("Off") }
+        ]
+    }
+
     Flickable {
         anchors.fill: parent
         contentHeight: column.implicitHeight + 48
@@ -206,6 +214,26 @@ FocusScope {
                         ]
                         current: App.settings.appearance
                         onChosen: value => App.settings.appearance = value
+                    }
+                }
+                SettingsRow {
+                    group: appearance
+                    SettingsChoice {
+                        Layout.fillWidth: true
+                        label: qsTr("More contrast")
+                        options: screen.systemOr(SystemAppearance.hasHighContrast)
+                        current: Desktop.moreContrast
+                        onChosen: value => Desktop.moreContrast = value
+                    }
+                }
+                SettingsRow {
+                    group: appearance
+                    SettingsChoice {
+                        Layout.fillWidth: true
+                        label: qsTr("Less motion")
+                        options: screen.systemOr(SystemAppearance.hasReducedMotion)
+                        current: Desktop.lessMotion
+                        onChosen: value => Desktop.lessMotion = value
                     }
                 }
             }

@@ -89,12 +89,21 @@ QVariantMap startedPlatformData() {
 }
 
 void activate(QWindow& window, const QVariantMap& platformData) {
-    window.raise();
-    const QString token = platformData.value(tokenKey).toString();
-    // From here Qt's Wayland platform takes it.
-    if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-    window.requestActivate();
     const QString startup = platformData.value(startupKey).toString();
+    if (!x11Connection()) {
+        // Desktops of before 2023 pass the token under the name of X11.
+        const QString token = platformData.value(tokenKey, startup).toString();
+        // From there Qt's Wayland platform takes it, as it takes that of a click in the tray.
+        const char* given = "XDG_ACTIVATION_TOKEN";
+        if (!token.isEmpty()) qputenv(given, token.toUtf8());
+        // Without one desktops bring only a window to the front that is new to them.
+        if (qEnvironmentVariableIsEmpty(given) && window.isExposed() && !window.isActive())
+            window.hide();
+    }
+    window.setWindowStates(window.windowStates() & ~Qt::WindowMinimized);
+    window.setVisible(true);
+    window.raise();
+    window.requestActivate();
     if (!x11Connection() || startup.isEmpty()) return;
     const RootMessages messages(x11Connection());
     const auto native = static_cast<xcb_window_t>(window.winId());

@@ -13,7 +13,7 @@ namespace tovi {
 /// What this process was started with. To be asked before the QGuiApplication, which takes it.
 QVariantMap startedPlatformData();
 
-/// Brings the window, which is shown, to the front.
+/// Shows the window and brings it to the front.
 void activate(QWindow& window, const QVariantMap& platformData);
 
 } // namespace tovi

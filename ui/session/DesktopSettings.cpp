@@ -8,13 +8,9 @@ DesktopSettings::DesktopSettings(const std::string& dataDirectory)
     : file_(QFile::decodeName(QByteArray::fromStdString(dataDirectory + "/desktop-settings.ini")),
             QSettings::IniFormat) {}
 
-bool DesktopSettings::value(const char* key, bool missing) const {
-    return file_.value(QLatin1String(key), missing).toBool();
-}
-
-void DesktopSettings::set(const char* key, bool isOn) {
-    if (file_.value(QLatin1String(key)) == QVariant(isOn)) return;
-    file_.setValue(QLatin1String(key), isOn);
+void DesktopSettings::set(const char* key, const QVariant& value) {
+    if (file_.value(QLatin1String(key)) == value) return;
+    file_.setValue(QLatin1String(key), value);
     file_.sync();
     Q_EMIT changed();
     if (file_.status() != QSettings::NoError) {

@@ -13,8 +13,8 @@ class DesktopSettings : public QObject {
     Q_PROPERTY(bool notifies READ notifies WRITE setNotifies NOTIFY changed)
     Q_PROPERTY(bool answersSystemSearch READ answersSystemSearch WRITE setAnswersSystemSearch NOTIFY
                    changed)
-    Q_PROPERTY(bool moreContrast READ moreContrast WRITE setMoreContrast NOTIFY changed)
-    Q_PROPERTY(bool lessMotion READ lessMotion WRITE setLessMotion NOTIFY changed)
+    Q_PROPERTY(QString moreContrast READ moreContrast WRITE setMoreContrast NOTIFY changed)
+    Q_PROPERTY(QString lessMotion READ lessMotion WRITE setLessMotion NOTIFY changed)
 
   public:
     explicit DesktopSettings(const std::string& dataDirectory);
@@ -25,9 +25,9 @@ class DesktopSettings : public QObject {
     bool notifies() const { return value("notifies", true); }
     /// Whether the search of the desktop finds files of the index.
     bool answersSystemSearch() const { return value("answersSystemSearch", false); }
-    /// Also where the desktop does not ask for it.
-    bool moreContrast() const { return value("moreContrast", false); }
-    bool lessMotion() const { return value("lessMotion", false); }
+    /// "on", "off", or "system" for as the desktop wants it.
+    QString moreContrast() const { return value("moreContrast", QStringLiteral("system")); }
+    QString lessMotion() const { return value("lessMotion", QStringLiteral("system")); }
 
     /// Whether the user knows that a closed window leaves the program in the tray.
     bool knowsTray() const { return value("knowsTray", false); }
@@ -36,8 +36,8 @@ class DesktopSettings : public QObject {
     void setStaysInTray(bool isOn) { set("staysInTray", isOn); }
     void setNotifies(bool isOn) { set("notifies", isOn); }
     void setAnswersSystemSearch(bool isOn) { set("answersSystemSearch", isOn); }
-    void setMoreContrast(bool isOn) { set("moreContrast", isOn); }
-    void setLessMotion(bool isOn) { set("lessMotion", isOn); }
+    void setMoreContrast(const QString& choice) { set("moreContrast", choice); }
+    void setLessMotion(const QString& choice) { set("lessMotion", choice); }
 
   Q_SIGNALS:
     void changed();
@@ -45,8 +45,11 @@ class DesktopSettings : public QObject {
     void failed(const QString& sentence);
 
   private:
-    bool value(const char* key, bool missing) const;
-    void set(const char* key, bool isOn);
+    template <typename Value>
+    Value value(const char* key, const Value& missing) const {
+        return file_.value(QLatin1String(key), missing).template value<Value>();
+    }
+    void set(const char* key, const QVariant& value);
 
     QSettings file_;
 };

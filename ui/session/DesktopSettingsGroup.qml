@@ -50,24 +50,4 @@ SettingsGroup {
             wrapMode: Text.Wrap
         }
     }
-    SettingsRow {
-        group: desktop
-        SettingsSwitch {
-            Layout.fillWidth: true
-            text: SystemAppearance.hasHighContrast ? qsTr("More contrast (the desktop asks for it)") : qsTr("More contrast")
-            enabled: !SystemAppearance.hasHighContrast
-            checked: Theme.highContrast
-            onToggled: Desktop.moreContrast = checked
-        }
-    }
-    SettingsRow {
-        group: desktop
-        SettingsSwitch {
-            Layout.fillWidth: true
-            text: SystemAppearance.hasReducedMotion ? qsTr("Less motion (the desktop asks for it)") : qsTr("Less motion")
-            enabled: !SystemAppearance.hasReducedMotion
-            checked: Theme.reducedMotion
-            onToggled: Desktop.lessMotion = checked
-        }
-    }
 }

@@ -3,13 +3,15 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QMap>
 #include <QObject>
 #include <QVariantMap>
 
 namespace tovi {
 
 /// How the desktop wants its programs to look (org.freedesktop.portal.Settings), as it is at every
-/// moment. Without a portal there are no wishes. QML knows this as SystemAppearance.
+/// moment; where it is older than a common key, in the keys of GNOME and KDE. Without a portal
+/// there are no wishes. QML knows this as SystemAppearance.
 class SystemAppearance : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool knowsScheme READ knowsScheme NOTIFY changed)
@@ -21,10 +23,10 @@ class SystemAppearance : public QObject {
     explicit SystemAppearance(QDBusConnection bus);
 
     /// Whether the desktop says if it is light or dark.
-    bool knowsScheme() const { return value(Wish::Scheme) != 0; }
-    bool isDark() const { return value(Wish::Scheme) == 1; }
-    bool hasHighContrast() const { return value(Wish::Contrast) == 1; }
-    bool hasReducedMotion() const { return value(Wish::Motion) == 1; }
+    bool knowsScheme() const;
+    bool isDark() const;
+    bool hasHighContrast() const;
+    bool hasReducedMotion() const;
 
   Q_SIGNALS:
     void changed();
@@ -33,13 +35,11 @@ class SystemAppearance : public QObject {
     void change(const QString& space, const QString& key, const QDBusVariant& value);
 
   private: // NOLINT(readability-redundant-access-specifiers)
-    enum class Wish { Scheme, Contrast, Motion };
-
     void read();
-    uint value(Wish wish) const { return wishes_.value(wish); }
+    QVariant value(const QString& space, const char* key) const;
 
     QDBusConnection bus_;
-    QMap<Wish, uint> wishes_;
+    QMap<QString, QVariantMap> values_; // by their space
 };
 
 } // namespace tovi

@@ -18,8 +18,10 @@ const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 } // namespace
 
 Tray::Tray(QDBusConnection bus, QQmlEngine& engine, Executor& executor, AppModel& model)
-    : bus_(std::move(bus)), engine_(engine), executor_(executor), model_(model) {
-    if (!bus_.isConnected()) return;
+    : bus_(std::move(bus)), engine_(engine), executor_(executor), model_(model) {}
+
+void Tray::appear() {
+    if (!bus_.isConnected() || std::exchange(isWanted_, true)) return;
     auto* owner =
         new QDBusServiceWatcher(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     // A new watcher knows nothing of the icon.

@@ -23,6 +23,9 @@ class Tray : public QObject {
     Tray(QDBusConnection bus, QQmlEngine& engine, Executor& executor, AppModel& model);
     ~Tray() override;
 
+    /// Puts the icon up from now on, whenever there is something that shows it.
+    void appear();
+
     /// The newest downloads as of the last `refresh`.
     RowListModel* latest() { return &latest_; }
     bool isShown() const { return icon_ != nullptr; }
@@ -47,6 +50,7 @@ class Tray : public QObject {
     AppModel& model_;
     RecordList latest_;
     std::unique_ptr<QObject> icon_;
+    bool isWanted_ = false;
     Generation generation_;
 };
 

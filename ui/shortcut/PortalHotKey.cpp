@@ -3,6 +3,7 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusServiceWatcher>
+#include <optional>
 #include <utility>
 
 namespace tovi {
@@ -45,6 +46,17 @@ Q_DECLARE_METATYPE(tovi::Shortcut)
 
 namespace tovi {
 
+namespace {
+
+/// How the desktop names the keys of the shortcut; none if it is not bound.
+std::optional<QString> boundKeys(const QVariantMap& values) {
+    const auto bound = qdbus_cast<QList<Shortcut>>(values.value(QStringLiteral("shortcuts")));
+    if (bound.isEmpty()) return std::nullopt;
+    return bound.first().values.value(QStringLiteral("trigger_description")).toString();
+}
+
+} // namespace
+
 PortalHotKey::PortalHotKey(QDBusConnection bus) : bus_(std::move(bus)) {
     qDBusRegisterMetaType<Shortcut>();
     qDBusRegisterMetaType<QList<Shortcut>>();
@@ -74,35 +86,42 @@ void PortalHotKey::take(const QString& choice) {
     if (!bus_.isConnected()) return settle(State::Unavailable);
     PortalRequest::send(
         bus_, shortcuts, QStringLiteral("CreateSession"), {},
-        {{QStringLiteral("session_handle_token"), portal::newToken()}}, this,
+        {{QStringLiteral("session_handle_token"), portal::newToken()},
+         {QStringLiteral("shortcuts"), wanted()}}, // Plasma 5.27 takes no other later
+        this,
         [this, attempt = ++attempt_](PortalRequest::Result result, const QVariantMap& values) {
             if (attempt != attempt_) return;
             session_ = values.value(QStringLiteral("session_handle")).toString();
-            if (result == PortalRequest::Result::Granted && session_.startsWith(QLatin1Char('/')))
-                return bind();
-            session_.clear();
-            settle(State::Unavailable);
+            if (result != PortalRequest::Result::Granted ||
+                !session_.startsWith(QLatin1Char('/'))) {
+                session_.clear();
+                settle(State::Unavailable);
+            } else if (const auto keys = boundKeys(values)) { // binding again would ask the user
+                settle(keys->isEmpty() ? State::Refused : State::Registered, *keys);
+            } else {
+                bind();
+            }
         });
+}
+
+QVariant PortalHotKey::wanted() const {
+    return QVariant::fromValue(
+        QList<Shortcut>{{shortcutName,
+                         {{QStringLiteral("description"), tr("Quick search")},
+                          {QStringLiteral("preferred_trigger"), triggerOf(choice_)}}}});
 }
 
 void PortalHotKey::bind() {
     bus_.connect(portal::service, session_, sessionInterface, QStringLiteral("Closed"), this,
                  SLOT(sessionClosed()));
-    const QList<Shortcut> wanted{{shortcutName,
-                                  {{QStringLiteral("description"), tr("Quick search")},
-                                   {QStringLiteral("preferred_trigger"), triggerOf(choice_)}}}};
     PortalRequest::send(
         bus_, shortcuts, QStringLiteral("BindShortcuts"),
-        {QVariant::fromValue(QDBusObjectPath(session_)), QVariant::fromValue(wanted), QString()},
-        {}, this,
+        {QVariant::fromValue(QDBusObjectPath(session_)), wanted(), QString()}, {}, this,
         [this, attempt = attempt_](PortalRequest::Result result, const QVariantMap& values) {
             if (attempt != attempt_) return;
-            const auto bound =
-                qdbus_cast<QList<Shortcut>>(values.value(QStringLiteral("shortcuts")));
-            if (result == PortalRequest::Result::Granted && !bound.isEmpty()) {
-                settle(
-                    State::Registered,
-                    bound.first().values.value(QStringLiteral("trigger_description")).toString());
+            const auto keys = boundKeys(values);
+            if (result == PortalRequest::Result::Granted && keys) {
+                settle(State::Registered, *keys);
             } else {
                 settle(result == PortalRequest::Result::Unavailable ? State::Unavailable
                                                                     : State::Refused);

@@ -22,6 +22,7 @@ class PortalHotKey final : public HotKeySource {
     void sessionClosed();
 
   private: // NOLINT(readability-redundant-access-specifiers)
+    QVariant wanted() const;
     void bind();
     void settle(State state, const QString& keys = {});
 

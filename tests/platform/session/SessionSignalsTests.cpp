@@ -14,37 +14,12 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace tovi {
 namespace {
 
 using Kind = platform::SessionSignals::Kind;
 using Signal = platform::SessionSignals::Signal;
-
-/// A process of the test's own, ended with the object.
-class Child {
-  public:
-    explicit Child(std::vector<std::string> command) : id_(::fork()) {
-        if (id_ != 0) return;
-        std::vector<char*> arguments;
-        for (std::string& argument : command)
-            arguments.push_back(argument.data());
-        arguments.push_back(nullptr);
-        ::execv(arguments[0], arguments.data());
-        ::_exit(127);
-    }
-    ~Child() {
-        ::kill(id_, SIGTERM);
-        ::waitpid(id_, nullptr, 0);
-    }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-  private:
-    pid_t id_;
-};
 
 /// The session manager's stand-in on a bus of its own, with the session "s1".
 class SessionSignalsTest : public testing::Test {
@@ -57,9 +32,11 @@ class SessionSignalsTest : public testing::Test {
             "/usr/bin/dbus-daemon", {"--session", "--fork", "--print-pid", "--address=" + address});
         ASSERT_EQ(bus.exitCode, 0) << bus.errors;
         bus_ = std::stoi(bus.output);
-        manager_.emplace(std::vector<std::string>{"/usr/bin/python3", "-m", "dbusmock", "--system",
-                                                  "--template", "logind", "--logfile",
-                                                  tree.path("log")});
+        manager_ =
+            std::stoi(test::runProgram("/bin/sh", {"-c", "/usr/bin/python3 -m dbusmock --system "
+                                                         "--template logind >" +
+                                                             tree.path("log") + " 2>&1 & echo $!"})
+                          .output);
         gdbus({"wait", "--system", "--timeout", "30", "org.freedesktop.login1"});
         ASSERT_TRUE(eventually([&] { return !inhibitors().empty(); })) << "no stand-in";
         call(manager, "org.freedesktop.DBus.Mock.AddSession",
@@ -67,12 +44,11 @@ class SessionSignalsTest : public testing::Test {
     }
     void TearDown() override {
         signals->stop();
-        manager_.reset();
-        endBus();
+        end(manager_);
+        end(bus_);
     }
-
-    void endBus() {
-        if (bus_ > 0) ::kill(std::exchange(bus_, 0), SIGTERM);
+    static void end(pid_t& process) {
+        if (process > 0) ::kill(std::exchange(process, 0), SIGTERM);
     }
 
     static std::string gdbus(const std::vector<std::string>& arguments) {
@@ -135,10 +111,10 @@ class SessionSignalsTest : public testing::Test {
     test::EnvironmentVariable systemBus{"DBUS_SYSTEM_BUS_ADDRESS", address};
     test::EnvironmentVariable sessionName{"XDG_SESSION_ID", "s1"};
     std::unique_ptr<platform::SessionSignals> signals = platform::makeSessionSignals();
+    pid_t bus_ = 0;
 
   private:
-    pid_t bus_ = 0;
-    std::optional<Child> manager_;
+    pid_t manager_ = 0;
     std::mutex mutex_; // guards what follows
     std::condition_variable arrived_;
     std::deque<Signal> received_;
@@ -182,7 +158,7 @@ TEST_F(SessionSignalsTest, TellsOfLocksAndSwitchesOfItsOwnSession) {
 TEST_F(SessionSignalsTest, SaysWhenNoSignalCanArrive) {
     start();
     ASSERT_EQ(nextKind(), Kind::connected);
-    endBus();
+    end(bus_);
     EXPECT_EQ(nextKind(), Kind::disconnected);
     start();
     EXPECT_EQ(nextKind(), Kind::disconnected);
