@@ -154,17 +154,10 @@ FocusScope {
                     onActed: Downloads.nameFilter = ""
                 }
             }
-            OnDemand {
-                SplitView.preferredWidth: 280
-                SplitView.minimumWidth: 220
-                visible: isWanted
-                asynchronous: true
-                isWanted: screen.width > 900 && table.shownPath !== ""
-                sourceComponent: FileDetails {
-                    files: screen.shown
-                    revision: screen.shown.count
-                    path: table.shownPath
-                }
+            DetailsPane {
+                hasRoom: screen.width > 900
+                beside: table
+                revision: screen.shown.count
             }
         }
         Item {

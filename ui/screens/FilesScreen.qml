@@ -82,17 +82,10 @@ FocusScope {
                     onActed: App.library.libraryKind = ""
                 }
             }
-            OnDemand {
-                SplitView.preferredWidth: 300
-                SplitView.minimumWidth: 220
-                visible: isWanted
-                asynchronous: true
-                isWanted: screen.width > 900 && table.shownPath !== ""
-                sourceComponent: FileDetails {
-                    files: App.library.files
-                    revision: App.library.filesRevision
-                    path: table.shownPath
-                }
+            DetailsPane {
+                hasRoom: screen.width > 900
+                beside: table
+                revision: App.library.filesRevision
             }
         }
 

@@ -130,18 +130,11 @@ FocusScope {
                     onMoreWanted: App.search.loadMoreSearchResults()
                 }
             }
-            OnDemand {
-                SplitView.preferredWidth: 320
-                SplitView.minimumWidth: 220
-                visible: isWanted
-                asynchronous: true
-                isWanted: screen.width > 900 && table.shownPath !== ""
-                sourceComponent: FileDetails {
-                    files: screen.found
-                    revision: App.search.resultsRevision
-                    path: table.shownPath
-                    phrase: App.search.activeSearchText
-                }
+            DetailsPane {
+                hasRoom: screen.width > 900
+                beside: table
+                revision: App.search.resultsRevision
+                phrase: App.search.activeSearchText
             }
         }
 
