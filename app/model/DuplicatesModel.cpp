@@ -104,6 +104,10 @@ DuplicatesModel::InPlace DuplicatesModel::inPlace(const DuplicateGroups& found,
 }
 
 DuplicatesModel::Result DuplicatesModel::resultOf(ExactDuplicates found) {
+    std::stable_sort(found.groups.begin(), found.groups.end(),
+                     [](const DuplicateGroup& left, const DuplicateGroup& right) {
+                         return left.reclaimableBytes > right.reclaimableBytes;
+                     });
     DuplicateGroups groups;
     std::int64_t reclaimableBytes = 0;
     for (DuplicateGroup& group : found.groups) {

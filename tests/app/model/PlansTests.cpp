@@ -181,6 +181,8 @@ TEST_F(PlansTest, ProposesAsManyDuplicatesAsOnePlanTakes) {
     executor.settle();
     model->duplicates()->findDuplicates();
     executor.settle();
+    ASSERT_THAT(*model->duplicates()->groups(), SizeIs(2));
+    EXPECT_THAT(model->duplicates()->groups()->front()->files, SizeIs(600)) << "frees the most";
     model->proposeDuplicateTrash({});
     executor.settle();
     EXPECT_EQ(plans().plannedItems()->count(), 500);
