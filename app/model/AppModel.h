@@ -112,8 +112,8 @@ class AppModel : public QObject {
 
     Q_INVOKABLE void copyIndexedText();
     Q_INVOKABLE void planAgent(const QString& instruction);
-    /// Of the group of duplicates with this digest, or of all where it is empty, the copies that
-    /// do not stay; as many as one plan takes.
+    /// Of the group of duplicates with this digest, or of all that free anything where it is empty,
+    /// the copies that do not stay; as many as one plan takes.
     Q_INVOKABLE void proposeDuplicateTrash(const QString& digest);
     /// Whether a program was asked; else the error message says so.
     Q_INVOKABLE bool open(const QString& path);

@@ -200,7 +200,9 @@ std::function<CopiesToTrash()> DuplicatesModel::copies(const QString& digest) co
     return [groups = groups(), rule = keep_, digest = fromQt(digest)] {
         CopiesToTrash copies;
         for (const Group& group : *groups) {
-            if (digest.empty() || digestOf(group) == digest) addGroup(copies, *group, rule);
+            const bool isChosen =
+                digest.empty() ? group->reclaimableBytes > 0 : digestOf(group) == digest;
+            if (isChosen) addGroup(copies, *group, rule);
         }
         return copies;
     };

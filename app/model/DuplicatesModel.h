@@ -72,8 +72,8 @@ class DuplicatesModel : public QObject {
     void checkPlaces();
     void clear();
 
-    /// What goes and what stays of the group with this digest, or of all where it is empty; to be
-    /// called away from the main thread.
+    /// What goes and what stays of the group with this digest, or of all that free anything where
+    /// it is empty; to be called away from the main thread.
     std::function<CopiesToTrash()> copies(const QString& digest) const;
 
   Q_SIGNALS:
