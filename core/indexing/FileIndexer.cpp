@@ -12,6 +12,7 @@
 #include "platform/DirectoryWalker.h"
 #include "platform/Packages.h"
 #include "platform/ReadFile.h"
+#include "platform/StandardLocations.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -61,6 +62,12 @@ FileRead readFile(const ContentExtractor& extractor, bool includeCodeContent, Fi
     return result;
 }
 
+/// The folder that the program keeps its index in, with the links resolved as those of a root are.
+std::string ownFolder(const std::string& database) {
+    std::error_code missing;
+    return std::filesystem::weakly_canonical(database, missing).parent_path().string();
+}
+
 /// One scan of one root.
 class Scan final : public platform::WalkVisitor {
   public:
@@ -84,8 +91,10 @@ class Scan final : public platform::WalkVisitor {
         context_.store.forEachScanRecord(
             root_, [this](const IndexScanRecord& record) { known_.add(record); });
         for (const std::string& other : context_.store.roots()) {
-            if (other != root_ && isSameOrBelow(other, root_)) innerRoots_.push_back(other);
+            if (other != root_ && isSameOrBelow(other, root_)) notScanned_.push_back(other);
         }
+        notScanned_.push_back(ownFolder(context_.store.path()));
+        notScanned_.push_back(platform::dataHome() + "/Trash");
         try {
             platform::walkDirectory(root_, *this, context_.stop);
         } catch (const std::system_error& error) {
@@ -198,8 +207,8 @@ class Scan final : public platform::WalkVisitor {
 
     bool isScannedHere(const platform::WalkItem& directory) const {
         return !platform::isPackage(directory.name()) &&
-               std::find(innerRoots_.begin(), innerRoots_.end(), directory.path()) ==
-                   innerRoots_.end();
+               std::find(notScanned_.begin(), notScanned_.end(), directory.path()) ==
+                   notScanned_.end();
     }
 
     void handle(const std::string& path, std::string_view name,
@@ -312,7 +321,7 @@ class Scan final : public platform::WalkVisitor {
     ReadingQueue& queue_;
     KnownFiles known_;
     std::shared_ptr<const FileDescriptor> directory_;
-    std::vector<std::string> innerRoots_;
+    std::vector<std::string> notScanned_;
     std::vector<std::string> unreachable_;
     std::vector<Level> levels_;
     std::vector<FileToRead> failedBefore_;

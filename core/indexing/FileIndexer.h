@@ -31,7 +31,7 @@ struct ScanProgress {
 /// Brings the index in line with one connected folder: new and changed files are read and
 /// stored, unchanged files are left alone, rows of files that are gone are removed. Rows below a
 /// folder that could not be listed are kept, and a connected folder inside this one is left to
-/// its own scan. Never writes to the folder.
+/// its own scan; the folder of the index and the Trash are left out. Never writes to the folder.
 ///
 /// Walking and storing happen on the calling thread, reading on threads that end with the scan.
 class FileIndexer {

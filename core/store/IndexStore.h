@@ -112,6 +112,9 @@ class IndexStore {
 
     std::int64_t count();
 
+    /// Of the database file, as it was opened.
+    const std::string& path() const { return path_; }
+
     /// Of the whole index, or of one connected folder.
     IndexSummary summary(const std::optional<std::string>& rootPath = std::nullopt);
 
@@ -122,8 +125,8 @@ class IndexStore {
   private:
     Statement& prepared(const char* sql);
 
+    const std::string path_;
     std::mutex mutex_; // guards everything below
-    std::string path_;
     std::unique_ptr<Database> db_;
     std::map<const char*, Statement> statements_;
     std::uint64_t revision_ = 0;

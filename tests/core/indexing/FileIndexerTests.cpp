@@ -1,6 +1,7 @@
 #include "base/Cancelled.h"
 #include "core/indexing/FileIndexer.h"
 #include "core/records/IntelligenceError.h"
+#include "tests/support/Environment.h"
 #include "tests/support/TemporaryTree.h"
 
 #include <filesystem>
@@ -337,6 +338,17 @@ TEST_F(FileIndexerTest, LeavesAnInnerRootToItsOwnScan) {
     EXPECT_THAT(store.scanRecords(inner), testing::SizeIs(1));
     store.removeRoot(inner);
     EXPECT_EQ(scan().indexed, 2);
+}
+
+TEST_F(FileIndexerTest, LeavesOutItsOwnFilesAndTheTrash) {
+    const test::EnvironmentVariable home("XDG_DATA_HOME", tree.path("share"));
+    for (const char* path : {"share/Trash/files/gone.txt", "share/own/notes.txt", "share/kept.txt"})
+        tree.write(path, "x");
+    IndexStore own(tree.path("share/own/index.sqlite"));
+    const ContentExtractor extractor(reader, reader);
+    FileIndexer(availability, extractor, {}).scan(root, own, {}, false, {}, {});
+    ASSERT_EQ(own.scanRecords(root).size(), 1U);
+    EXPECT_EQ(own.scanRecords(root)[0].path, tree.path("share/kept.txt"));
 }
 
 TEST_F(FileIndexerTest, ReportsProgressInWalkOrder) {
