@@ -261,12 +261,17 @@ void PlansModel::undo(const QString& receipt) {
     runInBackground(
         context_.executor, this, {},
         [id = *id, roots = folders_.pathsInPlace(), service = service_](const std::stop_token&) {
-            service->undo(id, roots());
+            return service->undo(id, roots());
         },
-        [this](const Outcome<std::monostate>& outcome) {
+        [this](const Outcome<ActionReceipt>& outcome) {
             isExecuting_ = false;
             Q_EMIT planChanged();
-            if (!outcome) context_.notices.setError(outcome.error);
+            if (outcome) {
+                context_.notices.setStatus("Taken back: " + outcome.value->title);
+                Q_EMIT undone();
+            } else {
+                context_.notices.setError(outcome.error);
+            }
             refreshHistory();
             Q_EMIT filesMoved();
         });

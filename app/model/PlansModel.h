@@ -71,6 +71,7 @@ class PlansModel : public QObject {
     void planChanged();
     void filesMoved(); // the index follows the files already; a scan would find the rest
     void executed(const QString& receipt);
+    void undone(); // the status says what
 
   private:
     struct Request {
