@@ -16,7 +16,7 @@ Button {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
     ToolTip.text: label
-    ToolTip.visible: hovered || (visualFocus && activeFocus)
+    ToolTip.visible: visible && (hovered || (visualFocus && activeFocus))
     ToolTip.delay: 600
 
     contentItem: Item {

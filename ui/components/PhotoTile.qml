@@ -4,7 +4,7 @@ import QtQuick.Layouts
 import Tovi
 
 /// A photo that can be marked, with what helps to choose it.
-AbstractButton {
+CheckDelegate {
     id: tile
 
     required property var photo
@@ -17,7 +17,9 @@ AbstractButton {
     implicitHeight: 292
     padding: 10
     topPadding: 40
-    Accessible.role: Accessible.CheckBox
+    checkable: false // marked by the screen
+    focusPolicy: Qt.StrongFocus
+    indicator: null
     Accessible.name: photo.name
     Accessible.checked: isMarked
     Accessible.description: [isKeeper ? qsTr("Keep") : "", measures, Format.size(photo.size),
