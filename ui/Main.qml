@@ -72,6 +72,21 @@ ApplicationWindow {
         else
             App.plans.undoLast()
     }
+    /// Whether what has the keyboard does not show it.
+    function isNowhere(item) {
+        if (!item.visible || item.parent === null)
+            return true
+        for (let at = item; at && !at.activeFocusOnTab; at = at.parent) {
+            if (at === content)
+                return true
+        }
+        return false
+    }
+    function enterScreen() {
+        content.forceActiveFocus(Qt.TabFocusReason)
+        if (isNowhere(activeFocusItem))
+            content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+    }
     function goBack() {
         if (visited.length === 0)
             return
@@ -321,7 +336,7 @@ ApplicationWindow {
         sequence: "F6"
         onActivated: {
             if (window.activeFocusItem instanceof NavigationRow)
-                content.forceActiveFocus(Qt.TabFocusReason)
+                window.enterScreen()
             else
                 rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
         }
@@ -330,8 +345,7 @@ ApplicationWindow {
     // the keyboard yet, Tab would begin in the sidebar.
     Shortcut {
         sequence: "Tab"
-        enabled: window.activeFocusItem !== null && (!window.activeFocusItem.visible
-            || window.activeFocusItem === content.item || window.activeFocusItem.parent === null)
+        enabled: window.activeFocusItem !== null && window.isNowhere(window.activeFocusItem)
         onActivated: content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     }
     Shortcut { sequence: "Ctrl+W"; onActivated: window.close() }
