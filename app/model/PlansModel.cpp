@@ -134,8 +134,8 @@ PlansModel::Proposal PlansModel::make(const Request& request, FileActionService&
                                       const std::vector<std::string>& roots,
                                       const std::stop_token& stop) {
     if (!request.chooseCopies) {
-        return {service.plan(request.files, request.operation, request.newName, roots, {}, stop), 0,
-                request.isVaultOriginalReview};
+        return {service.plan(request.files, request.operation, request.newName, roots, {}, stop),
+                request.left, request.isVaultOriginalReview};
     }
     const CopiesToTrash copies = request.chooseCopies();
     if (copies.keepers().empty()) {
@@ -163,6 +163,13 @@ void PlansModel::propose(Request request) {
 
 void PlansModel::proposeTrash(const QStringList& paths) {
     propose({.files = recordsAt(fromQt(paths))});
+}
+
+void PlansModel::proposePhotoTrash(const QStringList& paths) {
+    CopiesToTrash photos;
+    for (const FileRecord& photo : recordsAt(fromQt(paths)))
+        photos.add(photo);
+    propose({.files = photos.files(), .left = photos.left()});
 }
 
 void PlansModel::proposeRename(const QString& path, const QString& newName) {
