@@ -22,6 +22,10 @@ CheckDelegate {
     indicator: null
     Accessible.name: photo.name
     Accessible.checked: isMarked
+    Accessible.onPressAction: clicked()
+    Accessible.onToggleAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     Accessible.description: [isKeeper ? qsTr("Keep") : "", measures, Format.size(photo.size),
         Format.date(photo.modifiedAt), Format.path(photo.folder)].filter(part => part !== "").join(", ")
     ToolTip.text: photo.path

@@ -92,6 +92,13 @@ Sheet {
                 version: sheet.file ? sheet.file.modifiedAt : 0
                 side: 1280
             }
+            AppText {
+                anchors.centerIn: parent
+                anchors.verticalCenterOffset: 56
+                visible: keys.showsPicture && (picture.hasFailed || !picture.isDrawable)
+                text: qsTr("No preview of this file")
+                isSecondary: true
+            }
             Flickable {
                 anchors.fill: parent
                 anchors.margins: 20
@@ -103,7 +110,7 @@ Sheet {
                 MarkedText {
                     id: text
                     width: parent.width
-                    excerpt: Preview.path === sheet.path ? Preview.excerpt : ""
+                    excerpt: Preview.path === sheet.path ? Preview.text : ""
                     lineHeight: 1.3
                 }
             }

@@ -41,6 +41,7 @@ QtObject {
     readonly property color shade: isDark ? "#B0000000" : "#66101218"
     readonly property var chart: isDark
         ? ["#8FB2FF", "#C3A6FF", "#7FD69B", "#F2A65A", "#FF8FC0", "#5FD0DC", "#A9B2C3"]
+        : choice === "lilac" ? ["#6B3FC4", "#2F5FD0", "#1B6E3C", "#B35C00", "#B3266B", "#0F7383", "#6B6B75"]
         : ["#2F5FD0", "#6B3FC4", "#1B6E3C", "#B35C00", "#B3266B", "#0F7383", "#6B6B75"]
 
     readonly property int rowRadius: 6
