@@ -113,21 +113,22 @@ ApplicationWindow {
 
         Rectangle {
             id: sidebar
+            readonly property bool isNarrow: window.width < 900
             Layout.fillHeight: true
-            Layout.preferredWidth: 212
+            Layout.preferredWidth: isNarrow ? 60 : 212
             color: Theme.sidebar
-            visible: true
 
             ColumnLayout {
                 anchors.fill: parent
                 anchors.margins: 12
                 spacing: 2
                 RowLayout {
-                    Layout.margins: 8
+                    Layout.margins: sidebar.isNarrow ? 5 : 8
                     Layout.bottomMargin: 14
                     spacing: 10
                     Mark { extent: 26 }
                     AppText {
+                        visible: !sidebar.isNarrow
                         text: "Tovi"
                         font.pixelSize: Theme.heading
                         isStrong: true
@@ -153,6 +154,7 @@ ApplicationWindow {
                                 text: modelData.text
                                 symbol: modelData.symbol
                                 isCompact: window.height < 680
+                                isNarrow: sidebar.isNarrow
                                 isCurrent: window.current.id === modelData.id
                                 onClicked: {
                                     window.show(modelData.id)
@@ -167,11 +169,12 @@ ApplicationWindow {
                 }
                 RowLayout {
                     Layout.fillWidth: true
-                    Layout.leftMargin: 8
+                    Layout.leftMargin: sidebar.isNarrow ? 2 : 8
                     Layout.topMargin: 8
                     spacing: 4
                     AppText {
                         Layout.fillWidth: true
+                        visible: !sidebar.isNarrow
                         text: App.notices.statusMessage
                         font.pixelSize: Theme.caption
                         isSecondary: true
