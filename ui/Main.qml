@@ -58,6 +58,35 @@ ApplicationWindow {
             return
         }
     }
+    /// Takes back the last change, be it of files or a cleanup.
+    function undoLast() {
+        const [change, cleanup] = [App.plans.actions, Cleanup.history].map(receipts => {
+            let row = 0
+            while (row < receipts.count && !receipts.value(row, "canUndo"))
+                ++row
+            return row < receipts.count
+                ? { date: receipts.value(row, "date"), id: receipts.value(row, "id") } : { date: 0 }
+        })
+        if (cleanup.date > change.date)
+            Cleanup.undo(cleanup.id)
+        else
+            App.plans.undoLast()
+    }
+    /// Whether what has the keyboard does not show it.
+    function isNowhere(item) {
+        if (!item.visible || item.parent === null)
+            return true
+        for (let at = item; at && !at.activeFocusOnTab; at = at.parent) {
+            if (at === content)
+                return true
+        }
+        return false
+    }
+    function enterScreen() {
+        content.forceActiveFocus(Qt.TabFocusReason)
+        if (isNowhere(activeFocusItem))
+            content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+    }
     function goBack() {
         if (visited.length === 0)
             return
@@ -85,7 +114,7 @@ ApplicationWindow {
         midlight: Theme.selected
         mid: Theme.outline
         dark: Theme.border
-        highlight: Theme.selected
+        highlight: Theme.accent // the ring of the buttons in Qt's own dialogs
         highlightedText: Theme.text
         toolTipBase: Theme.raised
         toolTipText: Theme.text
@@ -241,30 +270,28 @@ ApplicationWindow {
         anchors.bottomMargin: 24
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.horizontalCenterOffset: (LayoutMirroring.enabled ? -1 : 1) * (sidebar.visible ? sidebar.width / 2 : 0)
-        property string receipt: ""
-        onActed: if (receipt) App.plans.undo(receipt)
+        property var undo: null
+        onActed: undo()
+        function tell(model, receipt) {
+            undo = () => model.undo(receipt)
+            show(App.notices.statusMessage, qsTr("Undo"))
+        }
     }
     Connections {
         target: App.plans
-        function onExecuted(receipt) {
-            toast.receipt = receipt
-            toast.show(App.notices.statusMessage, qsTr("Undo"))
-        }
+        function onExecuted(receipt) { toast.tell(App.plans, receipt) }
+        function onUndone() { toast.show(App.notices.statusMessage) }
     }
     Connections {
         target: Cleanup
-        function onExecuted(receipt) {
-            toast.receipt = ""
-            toast.show(App.notices.statusMessage, "")
-        }
+        function onExecuted(receipt) { toast.tell(Cleanup, receipt) }
+        function onUndone() { toast.show(App.notices.statusMessage) }
     }
     Connections {
         target: App.copyText
         function onChanged() {
-            if (App.copyText.copyTextMessage) {
-                toast.receipt = ""
-                toast.show(App.copyText.copyTextMessage, "")
-            }
+            if (App.copyText.copyTextMessage)
+                toast.show(App.copyText.copyTextMessage)
         }
     }
 
@@ -302,8 +329,8 @@ ApplicationWindow {
         }
     }
     Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
-    Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
-    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.get().open() }
+    Shortcut { sequences: [StandardKey.Undo]; onActivated: window.undoLast() }
+    Shortcut { sequences: ["Ctrl+?", "F1"]; onActivated: shortcuts.get().open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }
@@ -311,7 +338,7 @@ ApplicationWindow {
         sequence: "F6"
         onActivated: {
             if (window.activeFocusItem instanceof NavigationRow)
-                content.forceActiveFocus(Qt.TabFocusReason)
+                window.enterScreen()
             else
                 rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
         }
@@ -320,8 +347,7 @@ ApplicationWindow {
     // the keyboard yet, Tab would begin in the sidebar.
     Shortcut {
         sequence: "Tab"
-        enabled: window.activeFocusItem !== null && (!window.activeFocusItem.visible
-            || window.activeFocusItem === content.item || window.activeFocusItem.parent === null)
+        enabled: window.activeFocusItem !== null && window.isNowhere(window.activeFocusItem)
         onActivated: content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     }
     Shortcut { sequence: "Ctrl+W"; onActivated: window.close() }

@@ -72,7 +72,7 @@ FocusScope {
                     : qsTr("Review %1…").arg(Format.counted(screen.marked.length, qsTr("photo"), qsTr("photos")))
                 isPrimary: true
                 enabled: screen.marked.length > 0
-                onClicked: App.plans.proposeTrash(screen.marked)
+                onClicked: App.plans.proposePhotoTrash(screen.marked)
             }
         }
         ListView {

@@ -98,7 +98,7 @@ Sheet {
                 onClicked: sheet.close()
             }
         }
-        FocusScope {
+        Item {
             id: keys
             Layout.fillWidth: true
             Layout.fillHeight: true
