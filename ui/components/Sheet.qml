@@ -8,6 +8,9 @@ import Tovi
 Templates.Dialog {
     id: sheet
 
+    /// What has the keyboard from the moment it is shown.
+    property Item first: null
+
     parent: Overlay.overlay
     x: Math.round((parent.width - width) / 2)
     y: Math.round((parent.height - height) / 2)
@@ -18,6 +21,7 @@ Templates.Dialog {
     focus: true
     padding: 24
     closePolicy: Popup.CloseOnEscape
+    onAboutToShow: if (first) first.focus = true
 
     Overlay.modal: Rectangle { color: Theme.shade }
     background: Rectangle {

@@ -92,7 +92,7 @@ FocusScope {
     Sheet {
         id: clearSheet
         title: qsTr("Clear the index")
-        onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
+        first: cancel
         ColumnLayout {
             width: parent.width
             spacing: 16

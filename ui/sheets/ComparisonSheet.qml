@@ -49,7 +49,7 @@ Sheet {
     width: parent.width - 48
     height: parent.height - 48
     padding: 20
-    onOpened: keys.forceActiveFocus()
+    first: keys
 
     ColumnLayout {
         anchors.fill: parent
@@ -103,7 +103,6 @@ Sheet {
             Layout.fillWidth: true
             Layout.fillHeight: true
             activeFocusOnTab: true
-            focus: true
             Accessible.role: Accessible.Pane
             Accessible.name: sheet.title
             Accessible.description: qsTr("Plus and minus enlarge, the arrow keys move, Page Down shows the next photo")

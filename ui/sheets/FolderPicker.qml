@@ -40,10 +40,8 @@ Item {
         property url folder
         property url answer
 
-        onOpened: {
-            answer = ""
-            yes.forceActiveFocus(Qt.TabFocusReason)
-        }
+        first: yes
+        onAboutToShow: answer = ""
         onClosed: if (!dialog.visible) FolderDialogs.finish(answer)
 
         ColumnLayout {

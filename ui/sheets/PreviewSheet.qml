@@ -16,7 +16,7 @@ Sheet {
     width: parent.width - 96
     height: parent.height - 64
     padding: 20
-    onOpened: keys.forceActiveFocus()
+    first: keys
     onPathChanged: if (path === "") close()
 
     ColumnLayout {
@@ -61,7 +61,6 @@ Sheet {
             Layout.fillHeight: true
             readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || text.excerpt === ""
             activeFocusOnTab: true
-            focus: true
             Accessible.role: Accessible.Pane
             Accessible.name: sheet.title
             Accessible.description: qsTr("The arrow keys show the next file, Space closes")
