@@ -28,7 +28,7 @@ ApplicationWindow {
     ]
     readonly property var current: sections.find(section => section.id === App.section) || sections[1]
     readonly property var commands: sections.map(section => ({
-        text: section.text, symbol: section.symbol, run: () => show(section.id)
+        text: section.text, symbol: section.symbol, run: () => App.section = section.id
     })).concat([
         { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
         { text: qsTr("Quick search"), symbol: "magnifyingglass", run: () => QuickPanel.present() },
@@ -37,14 +37,8 @@ ApplicationWindow {
           symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
         { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.get().open() }
     ])
-    property var visited: []
+    property var visited: [] // the last is the current one
 
-    function show(section) {
-        if (section === App.section)
-            return
-        visited = visited.concat([App.section]).slice(-50)
-        App.section = section
-    }
     /// Scrolls so that what has the keyboard is seen.
     function follow(item) {
         for (let at = item ? item.parent : null; at; at = at.parent) {
@@ -88,10 +82,17 @@ ApplicationWindow {
             content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     }
     function goBack() {
-        if (visited.length === 0)
+        if (visited.length < 2)
             return
-        App.section = visited[visited.length - 1]
         visited = visited.slice(0, -1)
+        App.section = visited[visited.length - 1]
+    }
+    Connections {
+        target: App
+        function onSectionChanged() {
+            if (window.visited[window.visited.length - 1] !== App.section)
+                window.visited = window.visited.concat([App.section]).slice(-50)
+        }
     }
 
     width: 1180
@@ -142,21 +143,22 @@ ApplicationWindow {
 
         Rectangle {
             id: sidebar
+            readonly property bool isNarrow: window.width < 900
             Layout.fillHeight: true
-            Layout.preferredWidth: 212
+            Layout.preferredWidth: isNarrow ? 60 : 212
             color: Theme.sidebar
-            visible: true
 
             ColumnLayout {
                 anchors.fill: parent
                 anchors.margins: 12
                 spacing: 2
                 RowLayout {
-                    Layout.margins: 8
+                    Layout.margins: sidebar.isNarrow ? 5 : 8
                     Layout.bottomMargin: 14
                     spacing: 10
                     Mark { extent: 26 }
                     AppText {
+                        visible: !sidebar.isNarrow
                         text: "Tovi"
                         font.pixelSize: Theme.heading
                         isStrong: true
@@ -182,9 +184,10 @@ ApplicationWindow {
                                 text: modelData.text
                                 symbol: modelData.symbol
                                 isCompact: window.height < 680
+                                isNarrow: sidebar.isNarrow
                                 isCurrent: window.current.id === modelData.id
                                 onClicked: {
-                                    window.show(modelData.id)
+                                    App.section = modelData.id
                                     if (modelData.id === "search")
                                         content.item.begin()
                                 }
@@ -196,11 +199,12 @@ ApplicationWindow {
                 }
                 RowLayout {
                     Layout.fillWidth: true
-                    Layout.leftMargin: 8
+                    Layout.leftMargin: sidebar.isNarrow ? 2 : 8
                     Layout.topMargin: 8
                     spacing: 4
                     AppText {
                         Layout.fillWidth: true
+                        visible: !sidebar.isNarrow
                         text: App.notices.statusMessage
                         font.pixelSize: Theme.caption
                         isSecondary: true
@@ -303,6 +307,7 @@ ApplicationWindow {
         }
     }
 
+    Component.onCompleted: visited = [App.section]
     onActiveFocusItemChanged: follow(activeFocusItem)
     onCurrentChanged: follow(rows.itemAt(sections.indexOf(current)))
     onClosing: Vault.windowClosed()
@@ -321,11 +326,11 @@ ApplicationWindow {
     Shortcut {
         sequences: [StandardKey.Find]
         onActivated: {
-            window.show("search")
+            App.section = "search"
             content.item.begin()
         }
     }
-    Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
+    Shortcut { sequence: "Ctrl+,"; onActivated: App.section = "settings" }
     Shortcut { sequences: [StandardKey.Undo]; onActivated: window.undoLast() }
     Shortcut { sequences: ["Ctrl+?", "F1"]; onActivated: shortcuts.get().open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }

@@ -54,6 +54,12 @@ Menu {
         }
     }
     MenuRow {
+        text: qsTr("Put into a space…")
+        symbol: "rectangle.stack"
+        enabled: menu.chosen.length > 0
+        onTriggered: App.section = "spaces"
+    }
+    MenuRow {
         text: qsTr("Encrypt a copy in the vault…")
         symbol: "lock"
         enabled: menu.chosen.length > 0 && !Vault.isBusy

@@ -115,14 +115,22 @@ FocusScope {
                     RowLayout {
                         Layout.fillWidth: true
                         spacing: 8
-                        AppText {
-                            text: group.heading
-                            isStrong: true
-                        }
-                        AppText {
+                        ColumnLayout {
                             Layout.fillWidth: true
-                            text: group.isAllMarked ? qsTr("Every photo of this group is marked.") : ""
-                            color: Theme.warning
+                            spacing: 0
+                            AppText {
+                                Layout.fillWidth: true
+                                text: group.heading
+                                isStrong: true
+                                wrapMode: Text.Wrap
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                visible: group.isAllMarked
+                                text: qsTr("Every photo of this group is marked.")
+                                color: Theme.warning
+                                wrapMode: Text.Wrap
+                            }
                         }
                         ActionButton {
                             visible: group.keeper >= 0
