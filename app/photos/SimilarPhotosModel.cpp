@@ -83,7 +83,8 @@ std::vector<FileRecord> SimilarPhotosModel::selected() const {
     return files;
 }
 
-void SimilarPhotosModel::start(std::vector<FileRecord> files, std::vector<std::string> roots) {
+void SimilarPhotosModel::start(std::vector<FileRecord> files, std::vector<std::string> roots,
+                               std::set<std::string> marked) {
     generation_.cancel();
     isScanning_ = true;
     selectedIDs_.clear();
@@ -101,7 +102,9 @@ void SimilarPhotosModel::start(std::vector<FileRecord> files, std::vector<std::s
                 files, roots, SimilarPhotoOptions{},
                 [&](const SimilarPhotoProgress& step) { progress.set(step); }, stop);
         },
-        [this](Outcome<SimilarPhotoReport> outcome) { finish(std::move(outcome)); });
+        [this, marked = std::move(marked)](Outcome<SimilarPhotoReport> outcome) {
+            finish(std::move(outcome), marked);
+        });
 }
 
 void SimilarPhotosModel::updateProgress(std::uint64_t job, const SimilarPhotoProgress& progress) {
@@ -112,7 +115,8 @@ void SimilarPhotosModel::updateProgress(std::uint64_t job, const SimilarPhotoPro
                   .arg(grouped(progress.completed), grouped(progress.total)));
 }
 
-void SimilarPhotosModel::finish(Outcome<SimilarPhotoReport> outcome) {
+void SimilarPhotosModel::finish(Outcome<SimilarPhotoReport> outcome,
+                                const std::set<std::string>& marked) {
     isScanning_ = false;
     if (outcome.isCancelled) return setStatus(stoppedText());
     if (!outcome) {
@@ -121,6 +125,11 @@ void SimilarPhotosModel::finish(Outcome<SimilarPhotoReport> outcome) {
     }
     report_ = *std::move(outcome.value);
     groups_.replace(report_->groups);
+    for (const SimilarPhotoGroup& group : report_->groups) {
+        for (const FileRecord& file : group.files)
+            if (marked.contains(file.path)) selectedIDs_.insert(file.path);
+    }
+    Q_EMIT selectionChanged();
     setStatus(QStringLiteral("Compared %1 photos.").arg(grouped(report_->analyzed)));
 }
 

@@ -51,8 +51,10 @@ class SimilarPhotosModel : public QObject {
     /// The records of the marked photos, in the order of the groups.
     std::vector<FileRecord> selected() const;
 
-    /// Begins a check of these records below the connected folders, in place of one that runs.
-    void start(std::vector<FileRecord> files, std::vector<std::string> roots);
+    /// Begins a check of these records below the connected folders, in place of one that runs. At
+    /// its end those of `marked` that are in a group are marked again.
+    void start(std::vector<FileRecord> files, std::vector<std::string> roots,
+               std::set<std::string> marked = {});
     Q_INVOKABLE void cancel();
     Q_INVOKABLE void toggle(const QString& id);
 
@@ -62,7 +64,7 @@ class SimilarPhotosModel : public QObject {
 
   private:
     void updateProgress(std::uint64_t job, const SimilarPhotoProgress& progress);
-    void finish(Outcome<SimilarPhotoReport> outcome);
+    void finish(Outcome<SimilarPhotoReport> outcome, const std::set<std::string>& marked);
     void setStatus(const QString& status);
 
     Executor& executor_;

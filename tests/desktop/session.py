@@ -19,6 +19,9 @@ WATCHER = "org.kde.StatusNotifierWatcher"
 MOCK = "org.freedesktop.DBus.Mock"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = "org.a11y.atspi.Registry"
+CONTROLS = {"push button", "check box", "radio button", "toggle button", "text", "entry", "password text",
+            "combo box", "slider", "list item", "table cell", "column header", "menu item", "page tab", "link"}
+NAMED = CONTROLS | {"list", "table", "dialog", "frame", "progress bar", "label", "heading", "image"}
 FOCUSED = 1 << 12
 SHOWING = 1 << 25
 PROPERTIES = "org.freedesktop.DBus.Properties"
@@ -163,6 +166,12 @@ class Desktop(unittest.TestCase):
 
         walk(REGISTRY, "/org/a11y/atspi/accessible/root")
         return found
+
+    def check_names(self, told):
+        for role, name, description, where in told:
+            self.assertNotIn(role, ("", "invalid", "unknown", "unknown role"), name)
+            if role in NAMED:
+                self.assertTrue(name.strip() or role == "text" and description.strip(), f"a nameless {role} {where}")
 
     def ask(self, name, path, method, *values, on=ACCESSIBLE):
         return self.accessibility.call_blocking(name, path, on, method, "s" * len(values), values)

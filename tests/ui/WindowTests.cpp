@@ -5,7 +5,6 @@
 #include <QAccessible>
 #include <QFile>
 #include <QQmlExpression>
-#include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -18,7 +17,6 @@ namespace tovi {
 namespace {
 
 using test::uiProcess;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 QStringList& warnings() {
@@ -313,9 +311,9 @@ TEST_F(Window, FindsOpensAndKeepsWithoutAMouse) {
     ASSERT_TRUE(waitForFocus(QStringLiteral("lease.txt")));
 }
 
-TEST_F(Window, SortsPreviewsAndDragsFiles) {
+TEST_F(Window, SortsPreviewsAndRenamesFiles) {
     files_.write("home/a long.txt", std::string(900, 'x') + " the notice period");
-    const std::string odd = files_.write("home/b & c.txt", "the notice");
+    files_.write("home/b & c.txt", "the notice");
     open();
     connectFolder(files_.path());
     waitForFiles(2);
@@ -357,18 +355,6 @@ TEST_F(Window, SortsPreviewsAndDragsFiles) {
     key(Qt::Key_Tab);
     key(Qt::Key_Return);
     ASSERT_TRUE(waitForFocus(QStringLiteral("kept.txt"))) << "the same file under its new name";
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
-
-    const QPoint from = window()->mapFromGlobal(find(QStringLiteral("b & c.txt"))->rect().center());
-    QTest::mousePress(window(), Qt::LeftButton, {}, from);
-    for (int step = 1; step < 6; ++step)
-        QTest::mouseMove(window(), from + QPoint(8 * step, 2 * step));
-    QTest::mouseRelease(window(), Qt::LeftButton, {}, from);
-    EXPECT_THAT(model().selection()->selectedIDs(), ElementsAre(QString::fromStdString(odd)));
-    QObject* row = find(QStringLiteral("b & c.txt"))->object();
-    const QQmlProperty data(row, QStringLiteral("Drag.mimeData"), qmlContext(row));
-    const QString address = data.read().toMap().value(QStringLiteral("text/uri-list")).toString();
-    EXPECT_EQ(QUrl(address).toLocalFile().toStdString(), odd) << address.toStdString();
 }
 
 TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {

@@ -78,13 +78,13 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
       }) {
     connect(&model_, &AppModel::loaded, this, &ScreenModels::followIndex);
     connect(model_.plans(), &PlansModel::filesMoved, this, [this] {
-        if (lookAlikes_.hasReport()) findLookAlikes(comparedFolder_);
+        if (lookAlikes_.hasReport()) compareAgain();
     });
     connect(model_.plans(), &PlansModel::undone, this, [this] {
         if (!lookAlikes_.hasReport()) return;
         // The index knows what came back when it was scanned.
         connect(
-            model_.scan(), &ScanModel::scanEnded, this, [this] { findLookAlikes(comparedFolder_); },
+            model_.scan(), &ScanModel::scanEnded, this, [this] { compareAgain(); },
             Qt::SingleShotConnection);
     });
     const auto offer = [](const char* name, QObject* object) {
@@ -115,7 +115,7 @@ void ScreenModels::followIndex() {
     Q_EMIT indexChanged();
 }
 
-void ScreenModels::findLookAlikes(const QString& folder) {
+void ScreenModels::compare(const QString& folder, std::set<std::string> marked) {
     if (!index_) return;
     comparedFolder_ = folder;
     std::vector<std::string> roots = model_.folders()->availablePaths();
@@ -128,9 +128,9 @@ void ScreenModels::findLookAlikes(const QString& folder) {
             return index->reader.search(query, mostPicturesLookedAt, 0,
                                         IndexStore::Content::leftOut, stop);
         },
-        [this, roots](Outcome<std::vector<FileRecord>> pictures) {
+        [this, roots, marked = std::move(marked)](Outcome<std::vector<FileRecord>> pictures) {
             if (pictures)
-                lookAlikes_.start(*std::move(pictures.value), roots);
+                lookAlikes_.start(*std::move(pictures.value), roots, marked);
             else
                 model_.notices()->setError(pictures.error);
         });

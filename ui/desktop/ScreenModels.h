@@ -23,8 +23,8 @@ class ScreenModels : public QObject {
     ScreenModels(AppModel& model, Runtime& runtime);
 
     /// Compares the indexed pictures of one connected folder, or of all of them if it is empty;
-    /// again after files were moved.
-    Q_INVOKABLE void findLookAlikes(const QString& folder);
+    /// again, with what was marked, after files were moved.
+    Q_INVOKABLE void findLookAlikes(const QString& folder) { compare(folder, {}); }
 
   Q_SIGNALS:
     /// The models read another index, or none. Comes after `AppModel::loaded`, which QML hears
@@ -33,6 +33,8 @@ class ScreenModels : public QObject {
 
   private:
     void followIndex();
+    void compare(const QString& folder, std::set<std::string> marked);
+    void compareAgain() { compare(comparedFolder_, lookAlikes_.selectedIDs()); }
 
     AppModel& model_;
     Executor& executor_;

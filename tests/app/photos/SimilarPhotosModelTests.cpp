@@ -93,7 +93,11 @@ TEST_F(SimilarPhotosModelTest, ShowsProgressAndTheFinishedReport) {
     EXPECT_TRUE(model.report()) << "until the new one is there";
 
     during = [](const auto&) {};
+    model.start({photo("/r/a")}, {"/r"}, {"/r/c", "/r/gone"});
+    executor.settle();
+    EXPECT_THAT(model.selectedIDs(), ElementsAre("/r/c"));
     report = {};
+    start();
     executor.settle();
     EXPECT_EQ(fromQt(model.notice()), "No look-alikes found in this check");
     report.limited = true;
