@@ -50,6 +50,7 @@ FocusScope {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: count > 0
+            activeFocusOnTab: true
             clip: true
             spacing: 12
             model: Evidence.passages

@@ -139,6 +139,7 @@ FocusScope {
                     anchors.margins: 8
                     anchors.bottomMargin: actions.height + 20
                     focus: true
+                    activeFocusOnTab: true
                     clip: true
                     model: Graph.nodes
                     currentIndex: -1
