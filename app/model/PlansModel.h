@@ -81,7 +81,7 @@ class PlansModel : public QObject {
         FileOperation operation = FileOperation::trash;
         std::optional<std::string> newName = {};
         std::function<CopiesToTrash()> chooseCopies = {}; // instead of `files`
-        std::size_t left = 0; // of `files`, for a further plan
+        std::size_t left = 0;                             // of `files`, for a further plan
         bool isVaultOriginalReview = false;
     };
     void propose(Request request);
