@@ -161,7 +161,6 @@ ApplicationWindow {
                                 }
                                 Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
                                 Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
-                                Keys.onReturnPressed: clicked()
                             }
                         }
                     }

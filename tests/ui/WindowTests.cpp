@@ -133,6 +133,11 @@ class Window : public testing::Test {
         return nullptr;
     }
 
+    void press(const QString& name) {
+        ASSERT_TRUE(waitUntilTold(name));
+        find(name)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    }
+
     bool waitUntilTold(const QString& text) {
         return QTest::qWaitFor([&] { return isTold(text); }, 20'000);
     }
@@ -254,6 +259,25 @@ TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
         key(Qt::Key_Space);
         EXPECT_EQ(hasContrast.evaluate(), QVariant(choice == std::string("On")));
     }
+}
+
+TEST_F(Window, ObeysThePressOfAssistiveTechnology) {
+    files_.write("one.txt", "twice");
+    files_.write("two.txt", "twice");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(2);
+    for (const char* name : {"Pause indexing", "Duplicates", "Find duplicates"})
+        press(QString::fromLatin1(name));
+    EXPECT_TRUE(model().scan()->isPaused());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return model().duplicates()->groupCount() == 1; }));
+    for (const char* name :
+         {"Look-alikes", "Settings", "Search text inside source code and configuration files"})
+        press(QString::fromLatin1(name));
+    EXPECT_TRUE(model().settings()->developerMode());
+    press(QStringLiteral("Search"));
+    press(QStringLiteral("Ask"));
+    EXPECT_TRUE(waitForFocus(QStringLiteral("Ask your files")));
 }
 
 TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {

@@ -1,10 +1,9 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Tovi
 
 /// A button with words. One on a screen is primary; `isDanger` belongs into a review only.
-Button {
+Pressable {
     id: button
 
     property bool isPrimary: false
@@ -19,8 +18,6 @@ Button {
     implicitWidth: content.implicitWidth + 28
     padding: 0
     Accessible.name: text
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         RowLayout {

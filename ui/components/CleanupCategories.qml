@@ -29,7 +29,7 @@ Flickable {
             spacing: 4
             Repeater {
                 model: bars.categories
-                AbstractButton {
+                Pressable {
                     id: row
 
                     required property int index
@@ -50,8 +50,6 @@ Flickable {
                     Accessible.name: title
                     Accessible.description: qsTr("%1, %2").arg(Format.counted(count, qsTr("item"), qsTr("items")))
                         .arg(Format.size(bytes))
-                    Keys.onReturnPressed: clicked()
-                    Keys.onEnterPressed: clicked()
                     onClicked: bars.chosen(id)
                     background: Rectangle {
                         radius: Theme.controlRadius

@@ -99,6 +99,8 @@ FocusScope {
                         if (canMoveToTrash)
                             Cleanup.candidates.toggle(path)
                     }
+                    Accessible.onPressAction: clicked()
+                    Accessible.onToggleAction: clicked()
                     Keys.onReturnPressed: App.reveal(path)
                     background: Rectangle {
                         radius: Theme.rowRadius

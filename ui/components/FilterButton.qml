@@ -1,10 +1,9 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Tovi
 
 /// One of several choices in a row, of which one is current.
-AbstractButton {
+Pressable {
     id: button
 
     property string symbol: ""
@@ -15,8 +14,6 @@ AbstractButton {
     Accessible.role: Accessible.RadioButton
     Accessible.name: text
     Accessible.checked: isCurrent
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         RowLayout {

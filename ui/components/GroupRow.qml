@@ -31,5 +31,4 @@ NavigationRow {
             Accessible.ignored: true
         }
     }
-    Keys.onReturnPressed: clicked()
 }

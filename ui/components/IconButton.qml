@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import Tovi
 
 /// A button with a symbol only; `label` is its name and its tooltip.
-Button {
+Pressable {
     id: button
 
     required property string symbol
@@ -13,8 +13,6 @@ Button {
     implicitHeight: 32
     padding: 0
     Accessible.name: label
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
     ToolTip.text: label
     ToolTip.visible: hovered || (visualFocus && activeFocus)
     ToolTip.delay: 600

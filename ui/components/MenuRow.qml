@@ -15,6 +15,7 @@ MenuItem {
     leftPadding: 10
     rightPadding: 10
     Accessible.name: text
+    Accessible.onPressAction: if (enabled) clicked()
 
     contentItem: RowLayout {
         spacing: 10

@@ -20,6 +20,8 @@ ItemDelegate {
     Accessible.name: text
     Accessible.selected: isCurrent
     Accessible.onPressAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: RowLayout {
         spacing: 10

@@ -1,10 +1,9 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Tovi
 
 /// A figure that leads to the screen behind it.
-AbstractButton {
+Pressable {
     id: card
 
     required property string symbol
@@ -13,8 +12,6 @@ AbstractButton {
     implicitHeight: 96
     padding: 16
     Accessible.name: value + " " + text
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: Theme.cardRadius

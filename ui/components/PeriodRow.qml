@@ -46,5 +46,4 @@ NavigationRow {
             }
         }
     }
-    Keys.onReturnPressed: clicked()
 }

@@ -4,7 +4,7 @@ import QtQuick.Layouts
 import Tovi
 
 /// A photo that can be marked, with what helps to choose it.
-AbstractButton {
+Pressable {
     id: tile
 
     required property var photo

@@ -1,18 +1,15 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Tovi
 
 /// How a part of a phrase was understood; a click, Delete or Backspace takes its words out.
-AbstractButton {
+Pressable {
     id: chip
 
     implicitHeight: label.implicitHeight + 10
     implicitWidth: row.implicitWidth + 22
     Accessible.name: qsTr("Remove %1").arg(text)
     Keys.onDeletePressed: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
     Keys.onPressed: event => {
         event.accepted = event.key === Qt.Key_Backspace
         if (event.accepted)

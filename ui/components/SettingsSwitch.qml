@@ -9,6 +9,12 @@ Switch {
     padding: 0
     spacing: 12
     Accessible.name: text
+    Accessible.onPressAction: turn()
+    Accessible.onToggleAction: turn()
+    function turn() {
+        toggle()
+        toggled()
+    }
 
     indicator: Rectangle {
         implicitWidth: 40

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import Tovi
 
 /// The title of a column, which sorts by it where the rows can be sorted.
-AbstractButton {
+Pressable {
     id: header
 
     required property string column
@@ -20,7 +19,6 @@ AbstractButton {
     Accessible.name: text
     Accessible.description: !isSorted ? "" : sorter.isSortDescending ? qsTr("sorted, descending") : qsTr("sorted, ascending")
     onClicked: sorter.sortBy(column)
-    Keys.onReturnPressed: clicked()
 
     background: Rectangle {
         radius: Theme.rowRadius

@@ -89,15 +89,13 @@ FocusScope {
                     title: qsTr("By kind")
                     Repeater {
                         model: screen.summary.kinds || []
-                        AbstractButton {
+                        Pressable {
                             id: kind
                             required property var modelData
                             required property int index
                             Layout.fillWidth: true
                             implicitHeight: Theme.rowHeight
                             Accessible.name: modelData.title + ", " + Format.count(modelData.count)
-                            Keys.onReturnPressed: clicked()
-                            Keys.onEnterPressed: clicked()
                             onClicked: {
                                 App.library.libraryKind = modelData.kind
                                 App.section = "files"
@@ -144,7 +142,7 @@ FocusScope {
                     title: qsTr("Recent files")
                     Repeater {
                         model: App.library.recentFiles
-                        AbstractButton {
+                        Pressable {
                             id: recent
                             required property string path
                             required property string name
@@ -155,8 +153,6 @@ FocusScope {
                             implicitHeight: Theme.rowHeight + 8
                             Accessible.name: name
                             Accessible.description: qsTr("Open, in %1, modified %2").arg(Format.path(folder)).arg(Format.date(modifiedAt))
-                            Keys.onReturnPressed: clicked()
-                            Keys.onEnterPressed: clicked()
                             onClicked: App.open(path)
                             background: Rectangle {
                                 radius: Theme.rowRadius
