@@ -69,7 +69,6 @@ ApplicationWindow {
     height: Math.min(760, Screen.height - 120) // with its title between the bars of a small desktop
     minimumWidth: 720
     minimumHeight: 480
-    visible: true
     title: qsTr("Tovi — %1").arg(current.text)
     color: Theme.background
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft

@@ -158,6 +158,7 @@ void run(const std::string& dataDirectory) {
                              .decoderProgram = {},
                              .section = {}},
                             opener);
+    waitFor([&] { return application.window() != nullptr; });
     QQuickWindow& window = *application.window();
     double first = 0;
     double filled = 0;

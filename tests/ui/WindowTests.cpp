@@ -64,7 +64,7 @@ class Window : public testing::Test {
                                                   .decoderProgram = TOVI_DECODER,
                                                   .section = {}},
                              opener_);
-        ASSERT_NE(window(), nullptr);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return window() != nullptr; }));
         window()->requestActivate();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
         ASSERT_TRUE(QTest::qWaitFor([&] { return model().isLoaded(); }));
