@@ -45,6 +45,11 @@ ApplicationWindow {
         visited = visited.concat([App.section]).slice(-50)
         App.section = section
     }
+    function find() {
+        show("search")
+        content.finish()
+        content.item.begin()
+    }
     /// Scrolls so that what has the keyboard is seen.
     function follow(item) {
         for (let at = item ? item.parent : null; at; at = at.parent) {
@@ -153,11 +158,7 @@ ApplicationWindow {
                                 symbol: modelData.symbol
                                 isCompact: window.height < 680
                                 isCurrent: window.current.id === modelData.id
-                                onClicked: {
-                                    window.show(modelData.id)
-                                    if (modelData.id === "search")
-                                        content.item.begin()
-                                }
+                                onClicked: modelData.id === "search" ? window.find() : window.show(modelData.id)
                                 Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
                                 Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
                             }
@@ -215,15 +216,14 @@ ApplicationWindow {
                 text: App.folders.connectionMessage
                 onDismissed: App.folders.dismissConnectionMessage()
             }
-            Loader {
+            Stage {
                 id: content
-                objectName: "content"
+                objectName: "stage"
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 focus: true
-                source: window.current.screen
-                onLoaded: {
-                    item.focus = true
+                screen: window.current.screen
+                onLoaded: item => {
                     if (item.hasOwnProperty("dataDirectory"))
                         item.dataDirectory = window.dataDirectory
                 }
@@ -290,13 +290,7 @@ ApplicationWindow {
     }
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
-    Shortcut {
-        sequences: [StandardKey.Find]
-        onActivated: {
-            window.show("search")
-            content.item.begin()
-        }
-    }
+    Shortcut { sequences: [StandardKey.Find]; onActivated: window.find() }
     Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
     Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
     Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.get().open() }

@@ -203,11 +203,16 @@ class Window : public testing::Test {
         EXPECT_TRUE(names.isEmpty()) << "not reached with Tab: " << names.join(u", ").toStdString();
     }
 
+    void show(const QString& section) {
+        model().setSection(section);
+        const auto* stage = window()->findChild<QObject*>(QStringLiteral("stage"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return stage->property("isSettled").toBool(); }));
+    }
+
     void checkAllScreens() {
         for (const QVariant& each : window()->property("sections").toList()) {
             const QString section = each.toMap().value(QStringLiteral("id")).toString();
-            model().setSection(section);
-            QCoreApplication::processEvents();
+            show(section);
             EXPECT_TRUE(isTold(each.toMap().value(QStringLiteral("text")).toString()));
             checkScreen(section);
         }
@@ -221,7 +226,7 @@ class Window : public testing::Test {
 TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithoutFiles) {
     open();
     checkAllScreens();
-    model().setSection(QStringLiteral("files"));
+    show(QStringLiteral("files"));
     tabTo(QStringLiteral("Connect your personal files"));
     key(Qt::Key_Space);
     ASSERT_TRUE(waitForFocus(QStringLiteral("Connect this folder")));
@@ -405,7 +410,7 @@ TEST_F(Window, ClearsDuplicatesAndTakesThemBack) {
     open();
     connectFolder(files_.path());
     waitForFiles(2);
-    model().setSection(QStringLiteral("duplicates"));
+    show(QStringLiteral("duplicates"));
     tabTo(QStringLiteral("Find duplicates"));
     key(Qt::Key_Space);
     ASSERT_TRUE(waitUntilTold(QStringLiteral("2 copies, 8 bytes reclaimable")));
@@ -433,7 +438,7 @@ TEST_F(Window, ComparesLookAlikesSideBySide) {
     open();
     connectFolder(files_.path());
     waitForFiles(3);
-    model().setSection(QStringLiteral("duplicates"));
+    show(QStringLiteral("duplicates"));
     tabTo(QStringLiteral("Look-alikes"));
     key(Qt::Key_Space);
     tabTo(QStringLiteral("Compare photos"));
@@ -461,7 +466,7 @@ TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
     open();
     connectFolder(files_.path());
     waitForFiles(1);
-    model().setSection(QStringLiteral("storage"));
+    show(QStringLiteral("storage"));
     application_->cleanup().scan();
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return application_->cleanup().candidates()->count() == 1; }));
@@ -499,7 +504,7 @@ TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
     open();
     connectFolder(files_.path());
     waitForFiles(1);
-    model().setSection(QStringLiteral("vault"));
+    show(QStringLiteral("vault"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Meet your Vault.")); }));
     checkScreen(QStringLiteral("a new vault"));
     tabTo(QStringLiteral("Create a vault password"));
