@@ -10,9 +10,10 @@ namespace tovi::cli {
 ModelSession::ModelSession(const Context& context, const std::optional<Following>& following)
     : application_(argumentCount_, arguments_), stop_(context.stop), runtime_(decoderPath()) {
     const auto makeMonitor =
-        [this, following](FolderListener::Handlers handlers) -> std::unique_ptr<FolderChanges> {
+        [this, following, dataDirectory = context.dataDirectory](
+            FolderListener::Handlers handlers) -> std::unique_ptr<FolderChanges> {
         if (!following) return nullptr;
-        return monitorSystemFolders(runtime_.executor(), std::move(handlers));
+        return monitorSystemFolders(runtime_.executor(), dataDirectory, std::move(handlers));
     };
     AppSettings settings{.dataDirectory = context.dataDirectory,
                          .isDataDirectoryGiven = true,

@@ -68,8 +68,8 @@ class FolderEvents {
 };
 
 struct FolderEventOptions {
-    /// Whether a folder of this name below a root is left alone, with everything in it.
-    std::function<bool(std::string_view name)> isExcluded;
+    /// Whether the folder at this path below a root is left alone, with everything in it.
+    std::function<bool(const std::string& path)> isExcluded;
     bool mayUseFanotify = true;
     /// Folders to watch at once, with each of the system's two services; half of what the system
     /// allows the user if not given.

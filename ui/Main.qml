@@ -28,7 +28,7 @@ ApplicationWindow {
     ]
     readonly property var current: sections.find(section => section.id === App.section) || sections[1]
     readonly property var commands: sections.map(section => ({
-        text: section.text, symbol: section.symbol, run: () => show(section.id)
+        text: section.text, symbol: section.symbol, run: () => App.section = section.id
     })).concat([
         { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
         { text: qsTr("Quick search"), symbol: "magnifyingglass", run: () => QuickPanel.present() },
@@ -37,16 +37,10 @@ ApplicationWindow {
           symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
         { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.get().open() }
     ])
-    property var visited: []
+    property var visited: [] // the last is the current one
 
-    function show(section) {
-        if (section === App.section)
-            return
-        visited = visited.concat([App.section]).slice(-50)
-        App.section = section
-    }
     function find() {
-        show("search")
+        App.section = "search"
         content.finish()
         content.item.begin()
     }
@@ -63,11 +57,47 @@ ApplicationWindow {
             return
         }
     }
+    /// Takes back the last change, be it of files or a cleanup.
+    function undoLast() {
+        const [change, cleanup] = [App.plans.actions, Cleanup.history].map(receipts => {
+            let row = 0
+            while (row < receipts.count && !receipts.value(row, "canUndo"))
+                ++row
+            return row < receipts.count
+                ? { date: receipts.value(row, "date"), id: receipts.value(row, "id") } : { date: 0 }
+        })
+        if (cleanup.date > change.date)
+            Cleanup.undo(cleanup.id)
+        else
+            App.plans.undoLast()
+    }
+    /// Whether what has the keyboard does not show it.
+    function isNowhere(item) {
+        if (!item.visible || item.parent === null)
+            return true
+        for (let at = item; at && !at.activeFocusOnTab; at = at.parent) {
+            if (at === content)
+                return true
+        }
+        return false
+    }
+    function enterScreen() {
+        content.forceActiveFocus(Qt.TabFocusReason)
+        if (isNowhere(activeFocusItem))
+            content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+    }
     function goBack() {
-        if (visited.length === 0)
+        if (visited.length < 2)
             return
-        App.section = visited[visited.length - 1]
         visited = visited.slice(0, -1)
+        App.section = visited[visited.length - 1]
+    }
+    Connections {
+        target: App
+        function onSectionChanged() {
+            if (window.visited[window.visited.length - 1] !== App.section)
+                window.visited = window.visited.concat([App.section]).slice(-50)
+        }
     }
 
     width: 1180
@@ -89,7 +119,7 @@ ApplicationWindow {
         midlight: Theme.selected
         mid: Theme.outline
         dark: Theme.border
-        highlight: Theme.selected
+        highlight: Theme.accent // the ring of the buttons in Qt's own dialogs
         highlightedText: Theme.text
         toolTipBase: Theme.raised
         toolTipText: Theme.text
@@ -117,21 +147,22 @@ ApplicationWindow {
 
         Rectangle {
             id: sidebar
+            readonly property bool isNarrow: window.width < 900
             Layout.fillHeight: true
-            Layout.preferredWidth: 212
+            Layout.preferredWidth: isNarrow ? 60 : 212
             color: Theme.sidebar
-            visible: true
 
             ColumnLayout {
                 anchors.fill: parent
                 anchors.margins: 12
                 spacing: 2
                 RowLayout {
-                    Layout.margins: 8
+                    Layout.margins: sidebar.isNarrow ? 5 : 8
                     Layout.bottomMargin: 14
                     spacing: 10
                     Mark { extent: 26 }
                     AppText {
+                        visible: !sidebar.isNarrow
                         text: "Tovi"
                         font.pixelSize: Theme.heading
                         isStrong: true
@@ -157,8 +188,9 @@ ApplicationWindow {
                                 text: modelData.text
                                 symbol: modelData.symbol
                                 isCompact: window.height < 680
+                                isNarrow: sidebar.isNarrow
                                 isCurrent: window.current.id === modelData.id
-                                onClicked: modelData.id === "search" ? window.find() : window.show(modelData.id)
+                                onClicked: modelData.id === "search" ? window.find() : (App.section = modelData.id)
                                 Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
                                 Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
                             }
@@ -167,11 +199,12 @@ ApplicationWindow {
                 }
                 RowLayout {
                     Layout.fillWidth: true
-                    Layout.leftMargin: 8
+                    Layout.leftMargin: sidebar.isNarrow ? 2 : 8
                     Layout.topMargin: 8
                     spacing: 4
                     AppText {
                         Layout.fillWidth: true
+                        visible: !sidebar.isNarrow
                         text: App.notices.statusMessage
                         font.pixelSize: Theme.caption
                         isSecondary: true
@@ -237,30 +270,28 @@ ApplicationWindow {
         anchors.bottomMargin: 24
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.horizontalCenterOffset: (LayoutMirroring.enabled ? -1 : 1) * (sidebar.visible ? sidebar.width / 2 : 0)
-        property string receipt: ""
-        onActed: if (receipt) App.plans.undo(receipt)
+        property var undo: null
+        onActed: undo()
+        function tell(model, receipt) {
+            undo = () => model.undo(receipt)
+            show(App.notices.statusMessage, qsTr("Undo"))
+        }
     }
     Connections {
         target: App.plans
-        function onExecuted(receipt) {
-            toast.receipt = receipt
-            toast.show(App.notices.statusMessage, qsTr("Undo"))
-        }
+        function onExecuted(receipt) { toast.tell(App.plans, receipt) }
+        function onUndone() { toast.show(App.notices.statusMessage) }
     }
     Connections {
         target: Cleanup
-        function onExecuted(receipt) {
-            toast.receipt = ""
-            toast.show(App.notices.statusMessage, "")
-        }
+        function onExecuted(receipt) { toast.tell(Cleanup, receipt) }
+        function onUndone() { toast.show(App.notices.statusMessage) }
     }
     Connections {
         target: App.copyText
         function onChanged() {
-            if (App.copyText.copyTextMessage) {
-                toast.receipt = ""
-                toast.show(App.copyText.copyTextMessage, "")
-            }
+            if (App.copyText.copyTextMessage)
+                toast.show(App.copyText.copyTextMessage)
         }
     }
 
@@ -275,6 +306,7 @@ ApplicationWindow {
         }
     }
 
+    Component.onCompleted: visited = [App.section]
     onActiveFocusItemChanged: follow(activeFocusItem)
     onCurrentChanged: follow(rows.itemAt(sections.indexOf(current)))
     onClosing: Vault.windowClosed()
@@ -291,9 +323,9 @@ ApplicationWindow {
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
     Shortcut { sequences: [StandardKey.Find]; onActivated: window.find() }
-    Shortcut { sequence: "Ctrl+,"; onActivated: window.show("settings") }
-    Shortcut { sequences: [StandardKey.Undo]; onActivated: App.plans.undoLast() }
-    Shortcut { sequences: ["Ctrl+?", "Ctrl+Shift+/", "F1"]; onActivated: shortcuts.get().open() }
+    Shortcut { sequence: "Ctrl+,"; onActivated: App.section = "settings" }
+    Shortcut { sequences: [StandardKey.Undo]; onActivated: window.undoLast() }
+    Shortcut { sequences: ["Ctrl+?", "F1"]; onActivated: shortcuts.get().open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }
@@ -301,7 +333,7 @@ ApplicationWindow {
         sequence: "F6"
         onActivated: {
             if (window.activeFocusItem instanceof NavigationRow)
-                content.forceActiveFocus(Qt.TabFocusReason)
+                window.enterScreen()
             else
                 rows.itemAt(window.sections.indexOf(window.current)).forceActiveFocus(Qt.TabFocusReason)
         }
@@ -310,8 +342,7 @@ ApplicationWindow {
     // the keyboard yet, Tab would begin in the sidebar.
     Shortcut {
         sequence: "Tab"
-        enabled: window.activeFocusItem !== null && (!window.activeFocusItem.visible
-            || window.activeFocusItem === content.item || window.activeFocusItem.parent === null)
+        enabled: window.activeFocusItem !== null && window.isNowhere(window.activeFocusItem)
         onActivated: content.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     }
     Shortcut { sequence: "Ctrl+W"; onActivated: window.close() }

@@ -405,9 +405,14 @@ void CleanupModel::undo(const QString& receipt) {
     beginMoving([this, id = *id] {
         runInBackground(
             system_.executor, this, {},
-            [id, service = service_](const std::stop_token&) { service->trash.undo(id); },
-            [this](const Outcome<std::monostate>& outcome) {
-                if (!outcome) app_.notices()->setError(outcome.error);
+            [id, service = service_](const std::stop_token&) { return service->trash.undo(id); },
+            [this](const Outcome<CleanupReceipt>& outcome) {
+                if (outcome) {
+                    app_.notices()->setStatus("Taken back: " + outcome.value->title);
+                    Q_EMIT undone();
+                } else {
+                    app_.notices()->setError(outcome.error);
+                }
                 movingEnded(true);
                 if (hasReport()) scan(); // what came back may be found again
             });

@@ -105,6 +105,7 @@ class CleanupModel : public QObject {
     void reportChanged();
     void settingsChanged();
     void executed(const QString& receipt);
+    void undone(); // the status says what
 
   private:
     struct Service;

@@ -31,9 +31,11 @@ void PreviewModel::setIndex(std::shared_ptr<IndexStore> index) {
 }
 
 void PreviewModel::show(const QString& path, const QString& phrase) {
+    using Excerpts = std::pair<QString, QString>;
     generation_.cancel();
     path_ = path;
     excerpt_.clear();
+    text_.clear();
     isLoading_ = index_ && !path.isEmpty();
     Q_EMIT changed();
     if (!isLoading_) return;
@@ -41,15 +43,17 @@ void PreviewModel::show(const QString& path, const QString& phrase) {
         executor_, this, generation_,
         [index = index_, path = fromQt(path), phrase = fromQt(phrase)](const std::stop_token&) {
             const auto file = index->record(path);
-            if (!file) return QString();
+            if (!file) return Excerpts();
             const std::string text = QueryParser().parse(phrase, Date::now()).text;
-            const QString content = tovi::toQt(file->content).trimmed();
-            return markedExcerpt(readable(content, file->kind == FileKind::pdf),
-                                 toQt(EvidenceRetriever::words(text)), longestExcerpt);
+            const QStringList words = toQt(EvidenceRetriever::words(text));
+            const QString content =
+                readable(tovi::toQt(file->content).trimmed(), file->kind == FileKind::pdf);
+            return Excerpts(markedExcerpt(content, words, longestExcerpt),
+                            markedExcerpt(content, words, longestText));
         },
-        [this](const Outcome<QString>& outcome) {
+        [this](const Outcome<Excerpts>& outcome) {
             isLoading_ = false;
-            excerpt_ = outcome.value.value_or(QString());
+            std::tie(excerpt_, text_) = outcome.value.value_or(Excerpts());
             Q_EMIT changed();
         });
 }

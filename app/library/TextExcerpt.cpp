@@ -30,6 +30,14 @@ qsizetype nextWord(const QString& text, qsizetype at) {
     return text[at].isLowSurrogate() ? at + 1 : at;
 }
 
+/// The end of the last word that is whole before `at`, if it is near; else of the last character.
+qsizetype wordEnd(const QString& text, qsizetype at) {
+    for (qsizetype end = at; end > std::max<qsizetype>(0, at - longestWord); --end) {
+        if (text[end].isSpace()) return end;
+    }
+    return text[at].isLowSurrogate() ? at - 1 : at;
+}
+
 QString escaped(QStringView part) {
     return part.toString().toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
 }
@@ -43,7 +51,7 @@ QString markedExcerpt(const QString& text, const QStringList& words, qsizetype l
     qsizetype begin = std::max<qsizetype>(0, first - before);
     if (begin > 0) begin = nextWord(text, begin);
     qsizetype end = std::min(text.size(), begin + limit);
-    if (end < text.size() && end > begin && text[end].isLowSurrogate()) --end;
+    if (end < text.size()) end = std::max(begin, wordEnd(text, end));
     const QString shown = text.mid(begin, end - begin);
 
     QString html = begin > 0 ? QStringLiteral("… ") : QString();

@@ -134,8 +134,8 @@ PlansModel::Proposal PlansModel::make(const Request& request, FileActionService&
                                       const std::vector<std::string>& roots,
                                       const std::stop_token& stop) {
     if (!request.chooseCopies) {
-        return {service.plan(request.files, request.operation, request.newName, roots, {}, stop), 0,
-                request.isVaultOriginalReview};
+        return {service.plan(request.files, request.operation, request.newName, roots, {}, stop),
+                request.left, request.isVaultOriginalReview};
     }
     const CopiesToTrash copies = request.chooseCopies();
     if (copies.keepers().empty()) {
@@ -163,6 +163,13 @@ void PlansModel::propose(Request request) {
 
 void PlansModel::proposeTrash(const QStringList& paths) {
     propose({.files = recordsAt(fromQt(paths))});
+}
+
+void PlansModel::proposePhotoTrash(const QStringList& paths) {
+    CopiesToTrash photos;
+    for (const FileRecord& photo : recordsAt(fromQt(paths)))
+        photos.add(photo);
+    propose({.files = photos.files(), .left = photos.left()});
 }
 
 void PlansModel::proposeRename(const QString& path, const QString& newName) {
@@ -261,12 +268,17 @@ void PlansModel::undo(const QString& receipt) {
     runInBackground(
         context_.executor, this, {},
         [id = *id, roots = folders_.pathsInPlace(), service = service_](const std::stop_token&) {
-            service->undo(id, roots());
+            return service->undo(id, roots());
         },
-        [this](const Outcome<std::monostate>& outcome) {
+        [this](const Outcome<ActionReceipt>& outcome) {
             isExecuting_ = false;
             Q_EMIT planChanged();
-            if (!outcome) context_.notices.setError(outcome.error);
+            if (outcome) {
+                context_.notices.setStatus("Taken back: " + outcome.value->title);
+                Q_EMIT undone();
+            } else {
+                context_.notices.setError(outcome.error);
+            }
             refreshHistory();
             Q_EMIT filesMoved();
         });

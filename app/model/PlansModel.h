@@ -29,7 +29,7 @@ class PlansModel : public QObject {
 
     /// The plan that waits for review.
     const std::optional<ActionPlan>& proposedPlan() const { return proposedPlan_; }
-    /// id, title, explanation, totalSize, isRename, retainedCount and leftCount (copies for which
+    /// id, title, explanation, totalSize, isRename, retainedCount and leftCount (files for which
     /// the plan had no room); empty without a plan.
     QVariantMap proposedPlanValues() const;
     /// Its files. Roles: path, destinationPath, operation, size and freesNothing.
@@ -46,6 +46,8 @@ class PlansModel : public QObject {
 
     /// Each proposal replaces the one before it; a refusal is the error message.
     Q_INVOKABLE void proposeTrash(const QStringList& paths);
+    /// As many of these look-alikes as one plan takes.
+    Q_INVOKABLE void proposePhotoTrash(const QStringList& paths);
     Q_INVOKABLE void proposeRename(const QString& path, const QString& newName);
     /// `choose` is called away from the main thread.
     void proposeDuplicateTrash(std::function<CopiesToTrash()> choose);
@@ -71,6 +73,7 @@ class PlansModel : public QObject {
     void planChanged();
     void filesMoved(); // the index follows the files already; a scan would find the rest
     void executed(const QString& receipt);
+    void undone(); // the status says what
 
   private:
     struct Request {
@@ -78,6 +81,7 @@ class PlansModel : public QObject {
         FileOperation operation = FileOperation::trash;
         std::optional<std::string> newName = {};
         std::function<CopiesToTrash()> chooseCopies = {}; // instead of `files`
+        std::size_t left = 0; // of `files`, for a further plan
         bool isVaultOriginalReview = false;
     };
     void propose(Request request);

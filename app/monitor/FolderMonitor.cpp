@@ -1,6 +1,9 @@
 #include "app/monitor/FolderMonitor.h"
 
+#include "core/indexing/UnscannedFolders.h"
 #include "core/records/IndexingPolicy.h"
+
+#include <algorithm>
 
 #include <pthread.h>
 
@@ -60,17 +63,22 @@ void FolderMonitor::listen(FolderListener::Timing timing) {
     }
 }
 
+std::function<bool(const std::string& path)> unwatchedFolders(const std::string& dataDirectory) {
+    return [unscanned = unscannedFolders(dataDirectory)](const std::string& path) {
+        const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
+        return name.starts_with('.') || IndexingPolicy::isExcludedName(name) ||
+               IndexingPolicy::isSensitiveName(name) ||
+               std::find(unscanned.begin(), unscanned.end(), path) != unscanned.end();
+    };
+}
+
 std::unique_ptr<FolderMonitor> monitorSystemFolders(Executor& executor,
+                                                    const std::string& dataDirectory,
                                                     FolderListener::Handlers handlers) {
     return std::make_unique<FolderMonitor>(
         executor,
-        platform::watchFoldersOfTheSystem({.isExcluded =
-                                               [](std::string_view name) {
-                                                   return name.starts_with('.') ||
-                                                          IndexingPolicy::isExcludedName(name) ||
-                                                          IndexingPolicy::isSensitiveName(name);
-                                               },
-                                           .maximumWatches = {}}),
+        platform::watchFoldersOfTheSystem(
+            {.isExcluded = unwatchedFolders(dataDirectory), .maximumWatches = {}}),
         std::move(handlers));
 }
 

@@ -46,8 +46,12 @@ class FolderMonitor final : public FolderChanges {
     std::thread thread_;
 };
 
-/// Watches all folders that the index enters. Throws `std::system_error`.
+/// Whether the index in this data directory enters no folder of that path, wherever it lies.
+std::function<bool(const std::string& path)> unwatchedFolders(const std::string& dataDirectory);
+
+/// Watches all folders that the index in this data directory enters. Throws `std::system_error`.
 std::unique_ptr<FolderMonitor> monitorSystemFolders(Executor& executor,
+                                                    const std::string& dataDirectory,
                                                     FolderListener::Handlers handlers);
 
 } // namespace tovi

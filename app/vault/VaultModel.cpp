@@ -151,6 +151,7 @@ void VaultModel::authenticate(const QString& password, bool creating) {
             phase_ = Phase::unlocked;
             lockReason_.clear();
             lastActivity_ = surroundings_.secondsSinceBoot();
+            importFiles(std::exchange(waiting_, {}));
         });
 }
 
@@ -179,6 +180,19 @@ void VaultModel::chooseFiles() {
          panel = openPanel()](const std::vector<std::string>& paths) {
             if (self && self->closePanel(panel)) self->importFiles(paths);
         });
+}
+
+void VaultModel::addFiles(const QStringList& paths) {
+    waiting_.clear();
+    for (const QString& path : paths)
+        waiting_.push_back(fromQt(path));
+    if (phase_ == Phase::unlocked) importFiles(std::exchange(waiting_, {}));
+    Q_EMIT changed();
+}
+
+void VaultModel::forgetWaiting() {
+    waiting_.clear();
+    Q_EMIT changed();
 }
 
 void VaultModel::importFiles(std::vector<std::string> paths) {

@@ -25,6 +25,7 @@ class VaultModel final : public QObject {
     Q_PROPERTY(tovi::VaultModel::Phase phase READ phase NOTIFY changed)
     Q_PROPERTY(tovi::RowListModel* items READ items CONSTANT)
     Q_PROPERTY(tovi::RowListModel* importedOriginals READ importedOriginals CONSTANT)
+    Q_PROPERTY(int waitingCount READ waitingCount NOTIFY changed)
     Q_PROPERTY(bool isBusy READ isBusy NOTIFY changed)
     Q_PROPERTY(QString activity READ activity NOTIFY changed)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY changed)
@@ -60,6 +61,8 @@ class VaultModel final : public QObject {
     VaultItemList* items() { return &items_; }
     /// Roles: id, sourceURL and name. The files added since the last unlock.
     VaultOriginalList* importedOriginals() { return &importedOriginals_; }
+    /// Files that are added with the next unlocking.
+    int waitingCount() const { return static_cast<int>(waiting_.size()); }
     bool isBusy() const { return isBusy_; }
     /// Texts are empty where there is nothing to say.
     QString activity() const { return activity_; }
@@ -79,6 +82,9 @@ class VaultModel final : public QObject {
     /// Makes the vault or unlocks it. No copy of the password made here outlives the attempt.
     Q_INVOKABLE void authenticate(const QString& password, bool creating);
     Q_INVOKABLE void chooseFiles();
+    /// Adds these files now, or once the vault is open unless they are forgotten before.
+    Q_INVOKABLE void addFiles(const QStringList& paths);
+    Q_INVOKABLE void forgetWaiting();
     /// Absolute paths.
     void importFiles(std::vector<std::string> paths);
     /// Asks where to; `id` is an item's.
@@ -143,6 +149,7 @@ class VaultModel final : public QObject {
     Phase phase_ = Phase::loading;
     VaultItemList items_;
     VaultOriginalList importedOriginals_;
+    std::vector<std::string> waiting_;
     bool isBusy_ = false;
     bool isLocking_ = false;
     bool followsSession_ = false;

@@ -7,12 +7,12 @@
 #include "core/indexing/ExclusionRules.h"
 #include "core/indexing/KnownFiles.h"
 #include "core/indexing/ReadingQueue.h"
+#include "core/indexing/UnscannedFolders.h"
 #include "core/records/IndexingPolicy.h"
 #include "core/records/IntelligenceError.h"
 #include "platform/DirectoryWalker.h"
 #include "platform/Packages.h"
 #include "platform/ReadFile.h"
-#include "platform/StandardLocations.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -62,12 +62,6 @@ FileRead readFile(const ContentExtractor& extractor, bool includeCodeContent, Fi
     return result;
 }
 
-/// The folder that the program keeps its index in, with the links resolved as those of a root are.
-std::string ownFolder(const std::string& database) {
-    std::error_code missing;
-    return std::filesystem::weakly_canonical(database, missing).parent_path().string();
-}
-
 /// One scan of one root.
 class Scan final : public platform::WalkVisitor {
   public:
@@ -90,11 +84,11 @@ class Scan final : public platform::WalkVisitor {
         context_.store.adoptRows(root_);
         context_.store.forEachScanRecord(
             root_, [this](const IndexScanRecord& record) { known_.add(record); });
+        notScanned_ =
+            unscannedFolders(std::filesystem::path(context_.store.path()).parent_path().string());
         for (const std::string& other : context_.store.roots()) {
             if (other != root_ && isSameOrBelow(other, root_)) notScanned_.push_back(other);
         }
-        notScanned_.push_back(ownFolder(context_.store.path()));
-        notScanned_.push_back(platform::dataHome() + "/Trash");
         try {
             platform::walkDirectory(root_, *this, context_.stop);
         } catch (const std::system_error& error) {

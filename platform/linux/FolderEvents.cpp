@@ -285,7 +285,7 @@ class SystemFolderEvents final : public FolderEvents {
             if (notice.name.empty()) return;
             if (!path.ends_with('/')) path += '/';
             path += notice.name;
-            if (notice.isDirectory && !options_.isExcluded(notice.name)) folders.push_back(path);
+            if (notice.isDirectory && !options_.isExcluded(path)) folders.push_back(path);
             events_.push_back({FolderEvent::Kind::changed, std::move(path)});
         });
         std::sort(folders.begin(), folders.end());
@@ -375,7 +375,7 @@ class SystemFolderEvents::Marker final : public WalkVisitor {
     void enter(const WalkDirectory&) override {}
     Step visit(WalkItem& item) override {
         if (item.type() != FileType::directory || !root_.isWhole ||
-            events_.options_.isExcluded(item.name())) {
+            events_.options_.isExcluded(item.path())) {
             return Step::skip;
         }
         return events_.mark(root_, item.path(), began_) ? Step::descend : Step::skip;

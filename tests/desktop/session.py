@@ -19,6 +19,7 @@ WATCHER = "org.kde.StatusNotifierWatcher"
 MOCK = "org.freedesktop.DBus.Mock"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 REGISTRY = "org.a11y.atspi.Registry"
+FOCUSED = 1 << 12
 SHOWING = 1 << 25
 PROPERTIES = "org.freedesktop.DBus.Properties"
 dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
@@ -134,7 +135,8 @@ class Desktop(unittest.TestCase):
         subprocess.run(["xdotool", "windowfocus", "--sync", window, *action], check=True)
 
     def told(self):
-        """Everything that assistive technology is told of what is shown: (role, name, description, object)."""
+        """Everything that assistive technology is told of what is shown: (role, name, description, object).
+        The innermost of what has the keyboard is `focused`."""
         if not hasattr(self, "accessibility"):
             address = self.bus.get_object("org.a11y.Bus", "/org/a11y/bus").GetAddress(
                 dbus_interface="org.a11y.Bus")
@@ -142,18 +144,22 @@ class Desktop(unittest.TestCase):
             self.accessibility.call_blocking("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                              "org.freedesktop.DBus", "Hello", "", [])
         found = []
+        self.focused = ("", "", "", None)
 
         def walk(name, path):
             for child, at in self.ask(name, path, "GetChildren"):
                 try:
-                    if name != REGISTRY and not self.ask(child, at, "GetState")[0] & SHOWING:
+                    states = self.ask(child, at, "GetState")[0]
+                    if name != REGISTRY and not states & SHOWING:
                         continue
                     properties = [str(self.ask(child, at, "Get", ACCESSIBLE, key, on=PROPERTIES))
                                   for key in ("Name", "Description")]
                     found.append((str(self.ask(child, at, "GetRoleName")), *properties, (child, at)))
+                    if states & FOCUSED:
+                        self.focused = found[-1]
                     walk(child, at)
                 except dbus.DBusException as gone:  # meanwhile
-                    self.assertIn("UnknownObject", gone.get_dbus_name())
+                    self.assertRegex(gone.get_dbus_name(), "Unknown(Object|Interface)$")
 
         walk(REGISTRY, "/org/a11y/atspi/accessible/root")
         return found

@@ -89,7 +89,6 @@ FocusScope {
                     padding: 0
                     checkable: false
                     focusPolicy: Qt.NoFocus
-                    Accessible.role: Accessible.CheckBox
                     Accessible.checked: selected
                     Accessible.name: name
                     Accessible.description: qsTr("%1, %2, row %3 of %4").arg(Format.size(size))

@@ -54,6 +54,21 @@ Menu {
         }
     }
     MenuRow {
+        text: qsTr("Put into a space…")
+        symbol: "rectangle.stack"
+        enabled: menu.chosen.length > 0
+        onTriggered: App.section = "spaces"
+    }
+    MenuRow {
+        text: qsTr("Encrypt a copy in the vault…")
+        symbol: "lock"
+        enabled: menu.chosen.length > 0 && !Vault.isBusy
+        onTriggered: {
+            Vault.addFiles(menu.chosen)
+            App.section = "vault"
+        }
+    }
+    MenuRow {
         text: qsTr("Rename…")
         symbol: "pencil"
         keys: qsTr("F2")

@@ -270,6 +270,15 @@ FocusScope {
             soughtPath = table.currentPath
             areAnew = true
         }
+        function onRowsRemoved() {
+            Qt.callLater(chooseAnother)
+        }
+        /// Where what was chosen went away, the file that took its place.
+        function chooseAnother() {
+            const chosen = App.selection.selectedIDs
+            if (soughtPath === "" && chosen.length > 0 && !chosen.some(path => table.files.rowOf(path) >= 0))
+                table.choose(list.currentIndex, Qt.NoModifier)
+        }
         function onRowsInserted() {
             if (soughtPath !== "")
                 Qt.callLater(choose)

@@ -12,5 +12,5 @@ Rectangle {
     color: "transparent"
     border.width: 2
     border.color: Theme.accent
-    visible: control.activeFocus && control.visualFocus !== false
+    visible: control.activeFocus && control.focusReason !== Qt.MouseFocusReason
 }

@@ -14,7 +14,7 @@ Pressable {
     padding: 0
     Accessible.name: label
     ToolTip.text: label
-    ToolTip.visible: hovered || (visualFocus && activeFocus)
+    ToolTip.visible: visible && (hovered || (visualFocus && activeFocus))
     ToolTip.delay: 600
 
     contentItem: Item {

@@ -10,10 +10,12 @@ ItemDelegate {
     required property string symbol
     property bool isCurrent: false
     property bool isCompact: false
+    /// Only the symbol is seen.
+    property bool isNarrow: false
 
     implicitHeight: isCompact ? Theme.compactRowHeight : Theme.rowHeight
     padding: 0
-    leftPadding: 12
+    leftPadding: isNarrow ? 9 : 12
     focusPolicy: isCurrent || activeFocus ? Qt.TabFocus : Qt.NoFocus
     rightPadding: 8
     Accessible.role: Accessible.ListItem
@@ -23,6 +25,10 @@ ItemDelegate {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
+    ToolTip.text: text
+    ToolTip.visible: isNarrow && (hovered || visualFocus && activeFocus)
+    ToolTip.delay: 600
+
     contentItem: RowLayout {
         spacing: 10
         AppIcon {
@@ -31,6 +37,7 @@ ItemDelegate {
         }
         AppText {
             Layout.fillWidth: true
+            visible: !row.isNarrow
             text: row.text
             isStrong: row.isCurrent
             Accessible.ignored: true

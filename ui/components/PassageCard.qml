@@ -13,6 +13,9 @@ Card {
     required property var file
     required property string question
     property string place: ""
+    // A passage may begin and end within a sentence.
+    readonly property string shown: (excerpt.charAt(0) === excerpt.charAt(0).toUpperCase() ? "" : "…")
+        + excerpt.trim() + (/[.!?…"”。]\s*$/.test(excerpt) ? "" : "…")
     property bool isFocused: false
 
     height: column.implicitHeight + 32
@@ -20,7 +23,7 @@ Card {
     border.color: isFocused ? Theme.accent : Theme.border
     Accessible.role: Accessible.ListItem
     Accessible.name: name
-    Accessible.description: excerpt + ", " + place
+    Accessible.description: shown + ", " + place
 
     ColumnLayout {
         id: column
@@ -57,7 +60,7 @@ Card {
         }
         MarkedText {
             Layout.fillWidth: true
-            excerpt: Preview.marked(card.excerpt, card.question, card.file.kind)
+            excerpt: Preview.marked(card.shown, card.question, card.file.kind)
             lineHeight: 1.25
         }
     }

@@ -4,7 +4,7 @@ import QtQuick.Layouts
 import Tovi
 
 /// A photo that can be marked, with what helps to choose it.
-Pressable {
+CheckDelegate {
     id: tile
 
     required property var photo
@@ -17,9 +17,15 @@ Pressable {
     implicitHeight: 292
     padding: 10
     topPadding: 40
-    Accessible.role: Accessible.CheckBox
+    checkable: false // marked by the screen
+    focusPolicy: Qt.StrongFocus
+    indicator: null
     Accessible.name: photo.name
     Accessible.checked: isMarked
+    Accessible.onPressAction: clicked()
+    Accessible.onToggleAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     Accessible.description: [isKeeper ? qsTr("Keep") : "", measures, Format.size(photo.size),
         Format.date(photo.modifiedAt), Format.path(photo.folder)].filter(part => part !== "").join(", ")
     ToolTip.text: photo.path

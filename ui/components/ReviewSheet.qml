@@ -28,7 +28,7 @@ Sheet {
 
     title: heading
     closePolicy: isExecuting ? Popup.NoAutoClose : Popup.CloseOnEscape
-    onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
+    first: cancel
     onClosed: cancelled()
 
     ColumnLayout {

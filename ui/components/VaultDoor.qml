@@ -70,6 +70,16 @@ FocusScope {
             horizontalAlignment: Text.AlignHCenter
             isSecondary: true
         }
+        AppText {
+            Layout.fillWidth: true
+            visible: Vault.waitingCount > 0
+            text: qsTr("An encrypted copy of %1 is added once the vault is open.")
+                .arg(Format.counted(Vault.waitingCount, qsTr("file"), qsTr("files")))
+            wrapMode: Text.Wrap
+            horizontalAlignment: Text.AlignHCenter
+            isStrong: true
+            Accessible.role: Accessible.AlertMessage
+        }
         PasswordField {
             id: password
             objectName: "vault-password"

@@ -47,8 +47,9 @@ Application::Application(const Options& options, FileOpener& opener)
               .clipboard = clipboard_,
               .opener = opener,
               .makeMonitor =
-                  [this](FolderListener::Handlers handlers) {
-                      return monitorSystemFolders(runtime_.executor(), std::move(handlers));
+                  [this, dataDirectory = options.dataDirectory](FolderListener::Handlers handlers) {
+                      return monitorSystemFolders(runtime_.executor(), dataDirectory,
+                                                  std::move(handlers));
                   }},
              {.dataDirectory = options.dataDirectory,
               .isDataDirectoryGiven = options.isDataDirectoryGiven}),

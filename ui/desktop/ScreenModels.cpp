@@ -80,6 +80,13 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
     connect(model_.plans(), &PlansModel::filesMoved, this, [this] {
         if (lookAlikes_.hasReport()) findLookAlikes(comparedFolder_);
     });
+    connect(model_.plans(), &PlansModel::undone, this, [this] {
+        if (!lookAlikes_.hasReport()) return;
+        // The index knows what came back when it was scanned.
+        connect(
+            model_.scan(), &ScanModel::scanEnded, this, [this] { findLookAlikes(comparedFolder_); },
+            Qt::SingleShotConnection);
+    });
     const auto offer = [](const char* name, QObject* object) {
         QQmlEngine::setObjectOwnership(object, QQmlEngine::CppOwnership);
         qmlRegisterSingletonInstance("Tovi.Models", 1, 0, name, object);

@@ -35,14 +35,12 @@ FocusScope {
             id: copies
             Layout.fillWidth: true
             Layout.fillHeight: true
-            focus: !screen.showsLookAlikes
             visible: !screen.showsLookAlikes
         }
         LookAlikePhotos {
             id: lookAlikes
             Layout.fillWidth: true
             Layout.fillHeight: true
-            focus: screen.showsLookAlikes
             visible: screen.showsLookAlikes
         }
     }

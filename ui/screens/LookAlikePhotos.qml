@@ -72,7 +72,7 @@ FocusScope {
                     : qsTr("Review %1…").arg(Format.counted(screen.marked.length, qsTr("photo"), qsTr("photos")))
                 isPrimary: true
                 enabled: screen.marked.length > 0
-                onClicked: App.plans.proposeTrash(screen.marked)
+                onClicked: App.plans.proposePhotoTrash(screen.marked)
             }
         }
         ListView {
@@ -115,14 +115,22 @@ FocusScope {
                     RowLayout {
                         Layout.fillWidth: true
                         spacing: 8
-                        AppText {
-                            text: group.heading
-                            isStrong: true
-                        }
-                        AppText {
+                        ColumnLayout {
                             Layout.fillWidth: true
-                            text: group.isAllMarked ? qsTr("Every photo of this group is marked.") : ""
-                            color: Theme.warning
+                            spacing: 0
+                            AppText {
+                                Layout.fillWidth: true
+                                text: group.heading
+                                isStrong: true
+                                wrapMode: Text.Wrap
+                            }
+                            AppText {
+                                Layout.fillWidth: true
+                                visible: group.isAllMarked
+                                text: qsTr("Every photo of this group is marked.")
+                                color: Theme.warning
+                                wrapMode: Text.Wrap
+                            }
                         }
                         ActionButton {
                             visible: group.keeper >= 0

@@ -45,6 +45,29 @@ FocusScope {
             }
             SettingsGroup {
                 Layout.fillWidth: true
+                title: qsTr("What is read")
+                Repeater {
+                    id: roots
+                    model: App.folders.roots
+                    Statement {
+                        required property string path
+                        symbol: "folder"
+                        text: qsTr("%1 and what lies in it").arg(Format.path(path))
+                    }
+                }
+                Statement {
+                    visible: roots.count === 0
+                    symbol: "folder"
+                    text: qsTr("No folder is connected.")
+                }
+                Statement {
+                    symbol: "xmark"
+                    text: qsTr("Never: hidden files, keys and credentials, system folders, and the names left out in Settings, %1.")
+                        .arg(App.settings.exclusions.split("\n").filter(name => name.trim() !== "").join(", "))
+                }
+            }
+            SettingsGroup {
+                Layout.fillWidth: true
                 title: qsTr("What is stored")
                 Statement {
                     symbol: "doc.text"
@@ -55,10 +78,6 @@ FocusScope {
                 Statement {
                     symbol: "folder"
                     text: qsTr("Kept in %1, readable by you alone.").arg(Format.path(screen.dataDirectory))
-                }
-                Statement {
-                    symbol: "xmark"
-                    text: qsTr("Never read: hidden files, keys and credentials, system folders, and the names left out in Settings.")
                 }
                 ActionButton {
                     text: qsTr("Clear the index…")
@@ -73,7 +92,7 @@ FocusScope {
     Sheet {
         id: clearSheet
         title: qsTr("Clear the index")
-        onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
+        first: cancel
         ColumnLayout {
             width: parent.width
             spacing: 16

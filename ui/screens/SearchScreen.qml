@@ -20,6 +20,12 @@ FocusScope {
         field.selectAll()
     }
 
+    function ask() {
+        passages.active = true
+        isAsking = true
+        passages.item.begin()
+    }
+
     Timer {
         id: pause
         interval: 100
@@ -56,11 +62,7 @@ FocusScope {
                 objectName: "search-ask"
                 text: qsTr("Ask")
                 isCurrent: screen.isAsking
-                onClicked: {
-                    passages.active = true
-                    screen.isAsking = true
-                    passages.item.begin()
-                }
+                onClicked: screen.ask()
             }
         }
         OnDemand {
@@ -150,6 +152,11 @@ FocusScope {
                 sentence: App.search.chips.length > 1
                     ? qsTr("Leave out a part of the phrase, such as “%1”.").arg(App.search.chips[0])
                     : qsTr("Try another word, or connect the folder the file lies in.")
+                action: qsTr("Ask it as a question")
+                onActed: {
+                    Evidence.ask(App.search.activeSearchText)
+                    screen.ask()
+                }
             }
             ColumnLayout {
                 anchors.centerIn: parent

@@ -79,6 +79,7 @@ FocusScope {
             indeterminate: true
         }
         Loader {
+            id: pages
             Layout.fillWidth: true
             Layout.fillHeight: true
             focus: true
@@ -103,13 +104,21 @@ FocusScope {
     }
     Component {
         id: categories
-        CleanupCategories { onChosen: category => screen.category = category }
+        CleanupCategories {
+            onChosen: category => {
+                screen.category = category
+                pages.item.forceActiveFocus(Qt.TabFocusReason)
+            }
+        }
     }
     Component {
         id: items
         CleanupItems {
             category: screen.category
-            onLeaveWanted: screen.category = ""
+            onLeaveWanted: {
+                screen.category = ""
+                pages.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+            }
         }
     }
     Component {

@@ -150,7 +150,7 @@ FocusScope {
             }
             Card {
                 SplitView.fillWidth: true
-                SplitView.minimumWidth: 380
+                SplitView.minimumWidth: 340
                 FileTable {
                     id: table
                     anchors.fill: parent

@@ -10,6 +10,7 @@ FocusScope {
     readonly property string phase: ["loading", "notCreated", "locked", "unlocked", "unavailable"][Vault.phase]
 
     Component.onCompleted: Vault.load()
+    Component.onDestruction: Vault.forgetWaiting()
 
     AppText {
         anchors.centerIn: parent

@@ -47,16 +47,17 @@ void Photographer::show(const QString& section) {
 
 void Photographer::showQuickSearch(const QString& query) {
     QuickSearchState& state = application_.integration().quickSearch();
-    application_.integration().showQuickSearch({});
     state.setQuery(query);
-    waitFor([&] { return !state.isSearching() && state.matches()->count() > 0; });
+    application_.integration().showQuickSearch({});
+    settle();
+    waitFor([&] { return !state.isSearching(); });
 }
 
 void Photographer::press(Qt::Key key, int times) {
     for (int at = 0; at < times; ++at) {
         for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
             QKeyEvent event(type, key, Qt::NoModifier);
-            QCoreApplication::sendEvent(application_.window(), &event);
+            QCoreApplication::sendEvent(shown(), &event);
         }
     }
 }
@@ -64,7 +65,7 @@ void Photographer::press(Qt::Key key, int times) {
 void Photographer::type(const QString& text) {
     for (const QChar letter : text) {
         QKeyEvent event(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, letter);
-        QCoreApplication::sendEvent(application_.window(), &event);
+        QCoreApplication::sendEvent(shown(), &event);
     }
 }
 
@@ -101,11 +102,7 @@ void Photographer::settle(int milliseconds) {
 
 void Photographer::take(const QString& name) {
     settle();
-    QQuickWindow* window = application_.window();
-    for (QWindow* each : QGuiApplication::topLevelWindows()) {
-        if (each != window && each->isVisible()) window = qobject_cast<QQuickWindow*>(each);
-    }
-    const QImage image = window->grabWindow();
+    const QImage image = shown()->grabWindow();
     if (isContactSheet_)
         tiles_.append(image.scaledToWidth(tileWidth, Qt::SmoothTransformation));
     else
@@ -125,6 +122,14 @@ void Photographer::saveContactSheet(const QString& name) {
     }
     painter.end();
     save(sheet, name);
+}
+
+QQuickWindow* Photographer::shown() {
+    for (QWindow* each : QGuiApplication::topLevelWindows()) {
+        if (each != application_.window() && each->isVisible())
+            return qobject_cast<QQuickWindow*>(each);
+    }
+    return application_.window();
 }
 
 void Photographer::save(const QImage& image, const QString& name) {

@@ -31,13 +31,14 @@ class Photographer {
     /// Lets what has begun, such as a fade or a preview, come to its end.
     void settle(int milliseconds = 400);
 
-    /// Of the quick search panel if it is shown, else of the window.
     void take(const QString& name);
     /// Keeps what is taken from now on for one picture of them all.
     void beginContactSheet() { isContactSheet_ = true; }
     void saveContactSheet(const QString& name);
 
   private:
+    /// The quick search panel if it is shown, else the window.
+    QQuickWindow* shown();
     void save(const QImage& image, const QString& name);
 
     Application& application_;

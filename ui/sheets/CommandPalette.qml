@@ -7,7 +7,7 @@ import Tovi.Models
 /// Every screen and command by its name; what is no command is an instruction for the chosen files
 /// or a phrase to search.
 Sheet {
-    id: palette
+    id: sheet
 
     /// Each with `text`, `symbol` and `run`.
     property var commands: []
@@ -40,11 +40,11 @@ Sheet {
     title: qsTr("Commands")
     y: 80
     padding: 12
+    first: field
     visible: App.showCommandPalette
     onClosed: App.showCommandPalette = false
-    onOpened: {
+    onAboutToShow: {
         field.text = ""
-        field.forceActiveFocus()
         list.currentIndex = 0
     }
 
@@ -59,7 +59,7 @@ Sheet {
             placeholderText: qsTr("Go to, search, or “trash selected”")
             symbol: "magnifyingglass"
             onTextChanged: list.currentIndex = 0
-            onAccepted: palette.runCurrent()
+            onAccepted: sheet.runCurrent()
             Keys.onUpPressed: list.decrementCurrentIndex()
             Keys.onDownPressed: list.incrementCurrentIndex()
         }
@@ -68,10 +68,10 @@ Sheet {
             Layout.fillWidth: true
             Layout.preferredHeight: Math.min(contentHeight, 8 * Theme.rowHeight)
             clip: true
-            model: palette.matching
+            model: sheet.matching
             boundsBehavior: Flickable.StopAtBounds
             Accessible.role: Accessible.List
-            Accessible.name: palette.title
+            Accessible.name: sheet.title
             delegate: NavigationRow {
                 required property var modelData
                 required property int index
@@ -82,7 +82,7 @@ Sheet {
                 focusPolicy: Qt.NoFocus
                 onClicked: {
                     list.currentIndex = index
-                    palette.runCurrent()
+                    sheet.runCurrent()
                 }
             }
         }

@@ -49,7 +49,7 @@ Sheet {
     width: parent.width - 48
     height: parent.height - 48
     padding: 20
-    onOpened: keys.forceActiveFocus()
+    first: keys
 
     ColumnLayout {
         anchors.fill: parent
@@ -98,12 +98,11 @@ Sheet {
                 onClicked: sheet.close()
             }
         }
-        FocusScope {
+        Item {
             id: keys
             Layout.fillWidth: true
             Layout.fillHeight: true
             activeFocusOnTab: true
-            focus: true
             Accessible.role: Accessible.Pane
             Accessible.name: sheet.title
             Accessible.description: qsTr("Plus and minus enlarge, the arrow keys move, Page Down shows the next photo")

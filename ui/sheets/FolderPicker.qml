@@ -24,7 +24,12 @@ Item {
     FolderDialog {
         id: dialog
         objectName: "folder-dialog"
-        onAccepted: FolderDialogs.finish(selectedFolder)
+        currentFolder: Format.address(Format.home)
+        // Shown before it is connected: where a folder was entered, Qt's own dialog takes one inside it.
+        onAccepted: {
+            sheet.folder = selectedFolder
+            sheet.open()
+        }
         onRejected: FolderDialogs.finish("")
     }
     Sheet {
@@ -35,11 +40,8 @@ Item {
         property url folder
         property url answer
 
-        title: ""
-        onOpened: {
-            answer = ""
-            yes.forceActiveFocus(Qt.TabFocusReason)
-        }
+        first: yes
+        onAboutToShow: answer = ""
         onClosed: if (!dialog.visible) FolderDialogs.finish(answer)
 
         ColumnLayout {

@@ -11,7 +11,9 @@ ReviewSheet {
     readonly property string kept: plan.retainedCount > 0
         ? qsTr("%1 kept").arg(Format.counted(plan.retainedCount, qsTr("copy"), qsTr("copies"))) : ""
     readonly property string left: plan.leftCount > 0
-        ? qsTr("%1 more for a further plan").arg(Format.counted(plan.leftCount, qsTr("copy"), qsTr("copies"))) : ""
+        ? qsTr("%1 more for a further plan").arg(kept !== ""
+            ? Format.counted(plan.leftCount, qsTr("copy"), qsTr("copies"))
+            : Format.counted(plan.leftCount, qsTr("photo"), qsTr("photos"))) : ""
 
     visible: plan.id !== undefined
     heading: isRename ? confirmText : qsTr("%1, %2").arg(confirmText).arg(Format.size(plan.totalSize || 0))

@@ -16,7 +16,7 @@ Sheet {
     width: parent.width - 96
     height: parent.height - 64
     padding: 20
-    onOpened: keys.forceActiveFocus()
+    first: keys
     onPathChanged: if (path === "") close()
 
     ColumnLayout {
@@ -61,7 +61,6 @@ Sheet {
             Layout.fillHeight: true
             readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || text.excerpt === ""
             activeFocusOnTab: true
-            focus: true
             Accessible.role: Accessible.Pane
             Accessible.name: sheet.title
             Accessible.description: qsTr("The arrow keys show the next file, Space closes")
@@ -92,6 +91,13 @@ Sheet {
                 version: sheet.file ? sheet.file.modifiedAt : 0
                 side: 1280
             }
+            AppText {
+                anchors.centerIn: parent
+                anchors.verticalCenterOffset: 56
+                visible: keys.showsPicture && (picture.hasFailed || !picture.isDrawable)
+                text: qsTr("No preview of this file")
+                isSecondary: true
+            }
             Flickable {
                 anchors.fill: parent
                 anchors.margins: 20
@@ -103,7 +109,7 @@ Sheet {
                 MarkedText {
                     id: text
                     width: parent.width
-                    excerpt: Preview.path === sheet.path ? Preview.excerpt : ""
+                    excerpt: Preview.path === sheet.path ? Preview.text : ""
                     lineHeight: 1.3
                 }
             }

@@ -11,6 +11,7 @@ Sheet {
     readonly property string name: Format.fileName(path)
 
     title: qsTr("Rename")
+    first: field
 
     signal proposed(string newPath)
 
@@ -18,7 +19,6 @@ Sheet {
         path = file
         field.text = name
         open()
-        field.forceActiveFocus()
         const dot = name.lastIndexOf(".")
         field.select(0, dot > 0 ? dot : name.length)
     }

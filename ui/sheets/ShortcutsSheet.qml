@@ -29,7 +29,7 @@ Sheet {
     ]
 
     title: qsTr("Keys")
-    onOpened: closeButton.forceActiveFocus(Qt.TabFocusReason)
+    first: closeButton
 
     ColumnLayout {
         width: parent.width

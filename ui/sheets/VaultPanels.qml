@@ -59,7 +59,7 @@ Item {
         }
 
         title: verb
-        onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
+        first: cancel
         onClosed: VaultDialogs.cancel()
 
         ColumnLayout {

@@ -15,7 +15,7 @@ QtObject {
     property bool isSystemDark: system.window.hslLightness < 0.5
     readonly property bool isDark: choice === "midnight" || appearance === "dark"
         || (appearance === "system" && isSystemDark)
-    readonly property var colors: isDark ? dark : choice === "lilac" ? lilac : minimal
+    readonly property var colors: choice === "lilac" ? (isDark ? darkLilac : lilac) : isDark ? dark : minimal
 
     readonly property color background: colors.background
     readonly property color surface: colors.surface
@@ -27,9 +27,9 @@ QtObject {
     readonly property color disabled: colors.disabled
     readonly property color border: highContrast ? colors.text : colors.border
     readonly property color outline: highContrast ? colors.text : colors.outline
-    readonly property color accent: isDark && choice === "lilac" ? "#C3A6FF" : colors.accent
+    readonly property color accent: colors.accent
     readonly property color accentInk: colors.accentInk
-    readonly property color accentText: isDark && choice === "lilac" ? "#C3A6FF" : colors.accentText
+    readonly property color accentText: colors.accentText
     readonly property color danger: colors.danger
     readonly property color dangerInk: colors.dangerInk
     readonly property color dangerBackground: colors.dangerBackground
@@ -39,9 +39,11 @@ QtObject {
     readonly property color successBackground: colors.successBackground
     readonly property color hover: Qt.alpha(accent, 0.10)
     readonly property color shade: isDark ? "#B0000000" : "#66101218"
-    readonly property var chart: isDark
+    readonly property var hues: isDark
         ? ["#8FB2FF", "#C3A6FF", "#7FD69B", "#F2A65A", "#FF8FC0", "#5FD0DC", "#A9B2C3"]
         : ["#2F5FD0", "#6B3FC4", "#1B6E3C", "#B35C00", "#B3266B", "#0F7383", "#6B6B75"]
+    // The theme's own colour comes first.
+    readonly property var chart: choice === "lilac" ? [hues[1], hues[0]].concat(hues.slice(2)) : hues
 
     readonly property int rowRadius: 6
     readonly property int controlRadius: 8
@@ -88,5 +90,8 @@ QtObject {
         accentText: "#9DBBFF", danger: "#FF9A92", dangerInk: "#3A0906", dangerBackground: "#3A1D1F",
         warning: "#F2C066", warningBackground: "#38290F", success: "#7FD69B",
         successBackground: "#15301F"
+    })
+    readonly property var darkLilac: Object.assign({}, dark, {
+        selected: "#3A2F5E", accent: "#C3A6FF", accentText: "#C3A6FF"
     })
 }

@@ -22,6 +22,8 @@ TEST(TextExcerpt, MarksWordsWhereTheyBeginAndEscapesTheRest) {
     for (const auto& [text, words, html] : cases)
         EXPECT_EQ(markedExcerpt(text, words, 100), html);
 
+    EXPECT_EQ(markedExcerpt(toQt("one two threefour"), {}, 10), toQt("one two …"));
+
     const QString pair = toQt("😀");
     const QString excerpt =
         markedExcerpt(pair.repeated(200) + toQt(" hit ") + pair.repeated(200), {toQt("hit")}, 300);

@@ -187,6 +187,15 @@ TEST_F(PlansTest, ProposesAsManyDuplicatesAsOnePlanTakes) {
     executor.settle();
     EXPECT_EQ(plans().plannedItems()->count(), 500);
     EXPECT_EQ(plans().proposedPlanValues()[QStringLiteral("leftCount")].toInt(), 101);
+
+    QStringList photos;
+    for (const FileRecord& file : model->duplicates()->groups()->front()->files)
+        photos.append(QString::fromStdString(file.path));
+    plans().proposePhotoTrash(photos);
+    executor.settle();
+    EXPECT_EQ(plans().plannedItems()->count(), 500);
+    EXPECT_EQ(plans().proposedPlanValues()[QStringLiteral("leftCount")].toInt(), 100);
+    EXPECT_EQ(plans().proposedPlanValues()[QStringLiteral("retainedCount")].toInt(), 0);
 }
 
 TEST_F(PlansTest, ReviewsOriginalsOfTheVaultInsideConnectedFoldersOnly) {

@@ -1,9 +1,11 @@
 #include "app/background/ThreadExecutor.h"
 #include "app/monitor/FolderMonitor.h"
+#include "tests/support/Environment.h"
 #include "tests/support/FakeFolderEvents.h"
 #include "tests/support/TemporaryTree.h"
 
 #include <QTest>
+#include <filesystem>
 
 #include <gtest/gtest.h>
 
@@ -85,6 +87,19 @@ TEST_F(FolderListenerTest, AsksThePolicyAndForgetsWithTheFolders) {
     events.vanish("/other");
     EXPECT_TRUE(settle());
     EXPECT_EQ(freshness.at(0).state, State::stale);
+}
+
+TEST(FolderMonitor, LeavesOutTheProgramsOwnFolderTheTrashAndWhatIsNeverEntered) {
+    test::TemporaryTree tree;
+    const test::EnvironmentVariable home("XDG_DATA_HOME", tree.path("share"));
+    for (const char* folder : {"bin", "share"})
+        tree.makeDirectory(folder);
+    std::filesystem::create_directory_symlink("../bin", tree.path("share/Trash"));
+    const auto isUnwatched = unwatchedFolders(tree.path("share/own"));
+    for (const char* path : {"share/own", "bin", "share/.git", "node_modules"})
+        EXPECT_TRUE(isUnwatched(tree.path(path))) << path;
+    for (const char* path : {"share", "own", "share/own2"})
+        EXPECT_FALSE(isUnwatched(tree.path(path))) << path;
 }
 
 TEST(FolderMonitor, TellsTheMainThreadOfTheFoldersThatItWatchesNow) {

@@ -150,13 +150,22 @@ TEST_F(VaultModelTest, OpensFillsAndReadsAVault) {
 
     model.lock();
     executor.settle();
+    model.addFiles({toQt(tree.path("a"))});
     model.authenticate(QStringLiteral("twelve wrong chars"), false);
     executor.settle();
     expectLocked("");
     EXPECT_EQ(error(), "The password is incorrect, or the Vault metadata is damaged.");
+    EXPECT_EQ(model.waitingCount(), 1);
+    model.forgetWaiting();
     unlock();
     EXPECT_EQ(model.items()->count(), 3);
     EXPECT_TRUE(model.originalPaths().isEmpty());
+    model.lock();
+    executor.settle();
+    model.addFiles({toQt(tree.path("a"))});
+    unlock();
+    EXPECT_EQ(notice(), "1 encrypted copy saved. Originals remain outside the vault.");
+    EXPECT_EQ(model.waitingCount(), 0);
 }
 
 TEST_F(VaultModelTest, LocksWhenNobodyUsesIt) {

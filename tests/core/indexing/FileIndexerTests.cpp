@@ -342,7 +342,9 @@ TEST_F(FileIndexerTest, LeavesAnInnerRootToItsOwnScan) {
 
 TEST_F(FileIndexerTest, LeavesOutItsOwnFilesAndTheTrash) {
     const test::EnvironmentVariable home("XDG_DATA_HOME", tree.path("share"));
-    for (const char* path : {"share/Trash/files/gone.txt", "share/own/notes.txt", "share/kept.txt"})
+    tree.makeDirectory("share");
+    std::filesystem::create_directory_symlink("../bin", tree.path("share/Trash"));
+    for (const char* path : {"bin/files/gone.txt", "share/own/notes.txt", "share/kept.txt"})
         tree.write(path, "x");
     IndexStore own(tree.path("share/own/index.sqlite"));
     const ContentExtractor extractor(reader, reader);

@@ -38,7 +38,7 @@ class FolderEventsTest : public testing::TestWithParam<Service> {
             return made;
         }
         return platform::watchFoldersOfTheSystem(
-            {[](std::string_view name) { return name == "excluded"; },
+            {[](const std::string& path) { return path.ends_with("/excluded"); },
              GetParam() == Service::fanotify, maximumWatches, period});
     }
     void watch(const std::vector<std::string>& roots) { events->watch(roots, {}); }
