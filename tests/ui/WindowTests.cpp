@@ -160,6 +160,8 @@ class Window : public testing::Test {
         ASSERT_NE(dialog, nullptr);
         dialog->setProperty("selectedFolder", QUrl::fromLocalFile(QString::fromStdString(folder)));
         ASSERT_TRUE(QMetaObject::invokeMethod(dialog, "accept"));
+        ASSERT_TRUE(waitForFocus(QStringLiteral("Allow this folder")));
+        key(Qt::Key_Return);
         ASSERT_TRUE(QTest::qWaitFor([&] { return model().folders()->roots().size() == 1; }));
     }
 

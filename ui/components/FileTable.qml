@@ -145,21 +145,11 @@ FocusScope {
         color: Theme.border
     }
 
-    ListView {
+    GradualList {
         id: list
-        // Rows that are made all at once would keep the window waiting: some more with every frame.
-        readonly property real whole: table.height - y
-        property int room: 0
-        y: header.height + 1
-        width: parent.width
-        height: Math.min(whole, room * table.rowHeight - 1)
-        cacheBuffer: 0
-        onCountChanged: if (height < whole) Window.window.update()
-        Connections {
-            target: list.Window.window
-            enabled: list.height < list.whole && list.count > 0
-            function onFrameSwapped() { list.room += 4 }
-        }
+        anchors.fill: parent
+        anchors.topMargin: header.height + 1
+        rowHeight: table.rowHeight
         focus: true
         activeFocusOnTab: true
         clip: true
