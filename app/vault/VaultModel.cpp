@@ -195,7 +195,7 @@ void VaultModel::forgetWaiting() {
     Q_EMIT changed();
 }
 
-void VaultModel::importFiles(std::vector<std::string> paths) {
+void VaultModel::importFiles(const std::vector<std::string>& paths) {
     if (isBusy_ || paths.empty()) return;
     const auto reported = std::make_shared<Reported>();
     // Made before the operation, whose generation is the next.
@@ -213,6 +213,7 @@ void VaultModel::importFiles(std::vector<std::string> paths) {
         activity,
         [store = store_, paths, reported, passed](const std::stop_token& stop) {
             std::vector<double> sizes;
+            sizes.reserve(paths.size());
             for (const std::string& path : paths)
                 sizes.push_back(sizeOf(path));
             Passed step;

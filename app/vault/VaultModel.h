@@ -86,7 +86,7 @@ class VaultModel final : public QObject {
     Q_INVOKABLE void addFiles(const QStringList& paths);
     Q_INVOKABLE void forgetWaiting();
     /// Absolute paths.
-    void importFiles(std::vector<std::string> paths);
+    void importFiles(const std::vector<std::string>& paths);
     /// Asks where to; `id` is an item's.
     Q_INVOKABLE void exportItem(const QString& id);
     void exportItem(const Uuid& id, const std::string& destination);

@@ -4,7 +4,6 @@
 
 #include <QAccessible>
 #include <QFile>
-#include <QImage>
 #include <QQmlExpression>
 #include <QQmlProperty>
 #include <QQuickItem>
@@ -287,7 +286,7 @@ TEST_F(Window, ObeysThePressOfAssistiveTechnology) {
     EXPECT_TRUE(waitForFocus(QStringLiteral("Ask your files")));
 }
 
-TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
+TEST_F(Window, FindsOpensAndKeepsWithoutAMouse) {
     const std::string lease = files_.write("home/lease.txt", "the notice period is three months");
     files_.write("home/recipe.txt", "rye bread");
     open();
@@ -311,24 +310,12 @@ TEST_F(Window, FindsTrashesAndTakesBackWithoutAMouse) {
     EXPECT_FALSE(platform::canMakeInternetSocket());
 
     key(Qt::Key_Delete);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }))
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")))
         << focused().toStdString() << model().notices()->errorMessage().toStdString();
     key(Qt::Key_Space);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !model().plans()->proposedPlan(); }));
     EXPECT_TRUE(std::filesystem::exists(lease));
-
-    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("lease.txt"); }));
-    key(Qt::Key_Delete);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }));
-    tabTo(QStringLiteral("Move 1 file to Trash"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !std::filesystem::exists(lease); }));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Undo")); }));
-
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
-    key(Qt::Key_Z, Qt::ControlModifier);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(lease); }))
-        << focused().toStdString() << model().notices()->errorMessage().toStdString();
+    ASSERT_TRUE(waitForFocus(QStringLiteral("lease.txt")));
 }
 
 TEST_F(Window, SortsPreviewsAndDragsFiles) {
@@ -375,6 +362,7 @@ TEST_F(Window, SortsPreviewsAndDragsFiles) {
     key(Qt::Key_Tab);
     key(Qt::Key_Return);
     ASSERT_TRUE(waitForFocus(QStringLiteral("kept.txt"))) << "the same file under its new name";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
 
     const QPoint from = window()->mapFromGlobal(find(QStringLiteral("b & c.txt"))->rect().center());
     QTest::mousePress(window(), Qt::LeftButton, {}, from);
@@ -404,161 +392,6 @@ TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {
     ASSERT_TRUE(waitUntilTold(QStringLiteral("1 passage from your files")));
     EXPECT_TRUE(isTold(QStringLiteral("Rent is due on the first.")));
     checkScreen(QStringLiteral("ask"));
-}
-
-TEST_F(Window, ClearsDuplicatesAndTakesThemBack) {
-    files_.write("home/a.txt", "the same");
-    files_.write("home/b.txt", "the same");
-    open();
-    connectFolder(files_.path());
-    waitForFiles(2);
-    show(QStringLiteral("duplicates"));
-    tabTo(QStringLiteral("Find duplicates"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitUntilTold(QStringLiteral("2 copies, 8 bytes reclaimable")));
-    tabTo(QStringLiteral("Review all…"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
-    tabTo(QStringLiteral("Move 1 file to Trash"));
-    key(Qt::Key_Space);
-    const RowListModel* groups = model().duplicates()->list();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return groups->count() == 0; }));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
-    key(Qt::Key_Z, Qt::ControlModifier);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return groups->count() == 1; }, 20'000));
-}
-
-TEST_F(Window, ComparesLookAlikesSideBySide) {
-    QImage photo(640, 480, QImage::Format_RGB32);
-    for (int y = 0; y < photo.height(); ++y) {
-        for (int x = 0; x < photo.width(); ++x)
-            photo.setPixel(x, y, qRgb(x * y % 251, (x / 40 * y / 30) % 240, y / 2));
-    }
-    files_.write("home/x.txt", "a folder");
-    photo.save(QString::fromStdString(files_.path("home/first.jpg")), "JPG", 95);
-    photo.save(QString::fromStdString(files_.path("home/second.jpg")), "JPG", 80);
-    open();
-    connectFolder(files_.path());
-    waitForFiles(3);
-    show(QStringLiteral("duplicates"));
-    tabTo(QStringLiteral("Look-alikes"));
-    key(Qt::Key_Space);
-    tabTo(QStringLiteral("Compare photos"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitUntilTold(QStringLiteral("2 photos, up to")));
-    checkScreen(QStringLiteral("look-alikes"));
-    tabTo(QStringLiteral("Compare…"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitForFocus(QStringLiteral("Compare photos")));
-    key(Qt::Key_Plus);
-    EXPECT_TRUE(isTold(QStringLiteral("150 %")));
-    key(Qt::Key_Escape);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("150 %")); }));
-    tabTo(QStringLiteral("Mark all but the kept one"));
-    key(Qt::Key_Space);
-    tabTo(QStringLiteral("Review 1 photo…"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
-    EXPECT_TRUE(isTold(QStringLiteral("Move 1 file to Trash")));
-}
-
-TEST_F(Window, CleansUpWhatWasChosenAndTakesItBack) {
-    const std::string installer = files_.write("studio.dmg", "an old installer");
-    files_.setModified("studio.dmg", Date::now().seconds - 40 * 86'400);
-    open();
-    connectFolder(files_.path());
-    waitForFiles(1);
-    show(QStringLiteral("storage"));
-    application_->cleanup().scan();
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return application_->cleanup().candidates()->count() == 1; }));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !application_->cleanup().isScanning(); }));
-    checkScreen(QStringLiteral("storage"));
-    tabTo(QStringLiteral("Installers"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("studio.dmg")); }));
-    tabTo(QStringLiteral("studio.dmg"));
-    key(Qt::Key_Space);
-    tabTo(QStringLiteral("Review 1 item, 16 bytes…"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return focused() == QStringLiteral("Cancel"); }))
-        << model().notices()->errorMessage().toStdString();
-    tabTo(QStringLiteral("Move 1 item to Trash"));
-    EXPECT_EQ(window()->activeFocusItem()->objectName(), QStringLiteral("cleanup-confirm-trash"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !std::filesystem::exists(installer); }));
-
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("Files of the plan")); }));
-    tabTo(QStringLiteral("History"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Undo")); }));
-    tabTo(QStringLiteral("Undo"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(installer); }));
-}
-
-TEST_F(Window, KeepsAFileInTheVaultAndTellsNobodyThePassword) {
-    const std::string letter = files_.write("letter.txt", "dear diary");
-    const QString password = QStringLiteral("plum cake on sunday");
-    const auto isUnlocked = [&] {
-        return application_->vault().phase() == VaultModel::Phase::unlocked;
-    };
-    open();
-    connectFolder(files_.path());
-    waitForFiles(1);
-    show(QStringLiteral("vault"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Meet your Vault.")); }));
-    checkScreen(QStringLiteral("a new vault"));
-    tabTo(QStringLiteral("Create a vault password"));
-    type(password);
-    EXPECT_FALSE(isTold(QStringLiteral("plum")));
-    key(Qt::Key_Return);
-    type(password);
-    key(Qt::Key_Return);
-    ASSERT_TRUE(QTest::qWaitFor(isUnlocked, 30'000))
-        << application_->vault().errorMessage().toStdString();
-
-    application_->vault().importFiles({letter});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("letter.txt")); }));
-    checkScreen(QStringLiteral("an open vault"));
-    tabTo(QStringLiteral("Export letter.txt"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
-    tabTo(QStringLiteral("Export 1 file, 10 bytes"));
-    key(Qt::Key_Space);
-    const std::string copy = uiProcess().home.path("Documents/letter.txt");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(copy); }));
-    EXPECT_EQ(test::readFile(copy), "dear diary");
-
-    ASSERT_TRUE(QTest::qWaitFor([&] {
-        return !application_->cleanup().isExecuting() && !isTold(QStringLiteral("Cancel"));
-    }));
-    tabTo(QStringLiteral("Review 1 original…"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
-    EXPECT_TRUE(isTold(QStringLiteral("These originals will remain unencrypted in Trash.")));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(waitForFocus(QStringLiteral("Review 1 original…")));
-    tabTo(QStringLiteral("Lock now"));
-    key(Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("Your vault is locked.")); }));
-    EXPECT_FALSE(isTold(QStringLiteral("letter.txt")));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !application_->vault().isBusy(); }));
-    tabTo(QStringLiteral("Vault password"));
-    type(QStringLiteral("plum tart"));
-    key(Qt::Key_Return);
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return !application_->vault().errorMessage().isEmpty(); }, 30'000));
-    EXPECT_EQ(focused(), QStringLiteral("Vault password"));
-    type(password); // the wrong one is selected, so this replaces it
-    key(Qt::Key_Return);
-    ASSERT_TRUE(QTest::qWaitFor(isUnlocked, 30'000));
-
-    window()->close();
-    ASSERT_TRUE(QTest::qWaitFor([&] {
-        return application_->vault().lockReason() ==
-               QStringLiteral("Locked when the window closed.");
-    }));
 }
 
 } // namespace

@@ -140,11 +140,7 @@ Item {
     DragHandler {
         target: null
         acceptedDevices: PointerDevice.Mouse
-        onActiveChanged: {
-            if (active && !row.isChosen)
-                row.owner.choose(row.index, Qt.NoModifier)
-            row.Drag.active = active
-        }
+        onActiveChanged: if (active) row.owner.drag(row.mapToItem(row.owner, centroid.pressPosition))
     }
     Drag.dragType: Drag.Automatic
     Drag.supportedActions: Qt.CopyAction

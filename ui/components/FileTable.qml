@@ -73,6 +73,16 @@ FocusScope {
             choose(row, modifiers)
         }
     }
+    /// Hands out the file that was pressed; a quick hand is on another row when its drag begins.
+    function drag(pressed) {
+        const place = mapToItem(list.contentItem, pressed)
+        const row = list.itemAt(place.x, place.y)
+        if (!row)
+            return
+        if (!row.isChosen)
+            choose(row.index, Qt.NoModifier)
+        row.Drag.active = true
+    }
     /// The chosen files as other programs take them.
     function addresses() {
         return App.selection.selectedIDs.map(Format.address).join("\r\n")

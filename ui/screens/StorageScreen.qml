@@ -51,7 +51,7 @@ FocusScope {
                 model: [
                     { page: "found", text: qsTr("To review") },
                     { page: "history", text: qsTr("History") },
-                    { page: "settings", text: qsTr("Settings") }
+                    { page: "settings", text: qsTr("When and where") }
                 ]
                 FilterButton {
                     required property var modelData

@@ -141,7 +141,7 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
         {QStringLiteral("storage-settings"),
          [](Photographer& at) {
              cleanup(at);
-             at.click(QStringLiteral("Settings"));
+             at.click(QStringLiteral("When and where"));
          }},
         {QStringLiteral("vault-open"), openVault},
         {QStringLiteral("vault-export"),

@@ -66,8 +66,8 @@ class VaultModelTest : public VaultFixture {
         executor.settle();
         ASSERT_EQ(model.phase(), Phase::unlocked);
     }
-    void import(std::vector<std::string> paths) {
-        model.importFiles(std::move(paths));
+    void import(const std::vector<std::string>& paths) {
+        model.importFiles(paths);
         executor.settle();
     }
     /// Time passes with the machine awake.
