@@ -7,7 +7,9 @@ ListView {
 
     /// About how high a row is.
     property real rowHeight: Theme.rowHeight
-    /// The rows that it may show so far.
+    /// How many it makes with a frame.
+    property int step: 4
+    /// How many it may show so far.
     property int room: 0
 
     displayMarginEnd: Math.min(0, room * rowHeight - height)
@@ -16,6 +18,6 @@ ListView {
     Connections {
         target: list.Window.window
         enabled: list.displayMarginEnd < 0 && list.count > 0
-        function onFrameSwapped() { list.room += 4 }
+        function onFrameSwapped() { list.room += list.step }
     }
 }
