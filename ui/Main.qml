@@ -39,6 +39,11 @@ ApplicationWindow {
     ])
     property var visited: [] // the last is the current one
 
+    function find() {
+        App.section = "search"
+        content.finish()
+        content.item.begin()
+    }
     /// Scrolls so that what has the keyboard is seen.
     function follow(item) {
         for (let at = item ? item.parent : null; at; at = at.parent) {
@@ -99,7 +104,6 @@ ApplicationWindow {
     height: Math.min(760, Screen.height - 120) // with its title between the bars of a small desktop
     minimumWidth: 720
     minimumHeight: 480
-    visible: true
     title: qsTr("Tovi — %1").arg(current.text)
     color: Theme.background
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
@@ -186,11 +190,7 @@ ApplicationWindow {
                                 isCompact: window.height < 680
                                 isNarrow: sidebar.isNarrow
                                 isCurrent: window.current.id === modelData.id
-                                onClicked: {
-                                    App.section = modelData.id
-                                    if (modelData.id === "search")
-                                        content.item.begin()
-                                }
+                                onClicked: modelData.id === "search" ? window.find() : (App.section = modelData.id)
                                 Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
                                 Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
                             }
@@ -249,15 +249,14 @@ ApplicationWindow {
                 text: App.folders.connectionMessage
                 onDismissed: App.folders.dismissConnectionMessage()
             }
-            Loader {
+            Stage {
                 id: content
-                objectName: "content"
+                objectName: "stage"
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 focus: true
-                source: window.current.screen
-                onLoaded: {
-                    item.focus = true
+                screen: window.current.screen
+                onLoaded: item => {
                     if (item.hasOwnProperty("dataDirectory"))
                         item.dataDirectory = window.dataDirectory
                 }
@@ -323,13 +322,7 @@ ApplicationWindow {
     }
 
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
-    Shortcut {
-        sequences: [StandardKey.Find]
-        onActivated: {
-            App.section = "search"
-            content.item.begin()
-        }
-    }
+    Shortcut { sequences: [StandardKey.Find]; onActivated: window.find() }
     Shortcut { sequence: "Ctrl+,"; onActivated: App.section = "settings" }
     Shortcut { sequences: [StandardKey.Undo]; onActivated: window.undoLast() }
     Shortcut { sequences: ["Ctrl+?", "F1"]; onActivated: shortcuts.get().open() }

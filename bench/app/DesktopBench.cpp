@@ -1,11 +1,16 @@
 // How the window behaves on a large library: desktop DATA-DIRECTORY
+#include "bench/Stopwatch.h"
 #include "bench/app/LongestTurn.h"
 #include "ui/desktop/Application.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QQuickItem>
 #include <QQuickWindow>
+#include <QTimer>
 #include <algorithm>
 #include <ctime>
 #include <fstream>
@@ -61,6 +66,37 @@ void waitFor(Condition condition) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
+/// Until nothing but a blinking cursor has been at work for half a second.
+void settle() {
+    constexpr double idle = 4; // milliseconds of a tenth of a second
+    int quiet = 0;
+    double before = processorMilliseconds(CLOCK_PROCESS_CPUTIME_ID);
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &look, [&] {
+        const double used = processorMilliseconds(CLOCK_PROCESS_CPUTIME_ID);
+        quiet = used - std::exchange(before, used) < idle ? quiet + 1 : 0;
+    });
+    look.start(100);
+    waitFor([&] { return quiet == 5; });
+}
+
+void print(const char* what, double milliseconds) {
+    fmt::print("{:44} {:8.1f} ms\n", what, milliseconds);
+}
+
+/// Whether a row of a file can be seen.
+bool showsFile(const QQuickItem* item) {
+    if (!item->isVisible()) return false;
+    if (qstrncmp(item->metaObject()->className(), "FileRow_", 8) == 0) return true;
+    const QList<QQuickItem*> children = item->childItems();
+    return std::any_of(children.begin(), children.end(), showsFile);
+}
+
+void press(QQuickWindow& window, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QKeyEvent down(QEvent::KeyPress, key, modifiers);
+    QCoreApplication::sendEvent(&window, &down);
+}
+
 void scroll(QQuickWindow& window, int pages) {
     std::vector<double> frames;
     for (int page = 0; page < pages; ++page) {
@@ -68,16 +104,58 @@ void scroll(QQuickWindow& window, int pages) {
         const auto drawn = QObject::connect(&window, &QQuickWindow::frameSwapped, &window,
                                             [&] { isDrawn = true; });
         const double begun = processorMilliseconds(CLOCK_PROCESS_CPUTIME_ID);
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_PageDown, Qt::NoModifier);
-        QCoreApplication::sendEvent(&window, &press);
+        press(window, Qt::Key_PageDown);
         waitFor([&] { return isDrawn; });
         frames.push_back(processorMilliseconds(CLOCK_PROCESS_CPUTIME_ID) - begun);
         QObject::disconnect(drawn);
     }
     std::sort(frames.begin(), frames.end());
-    fmt::print("{:44} {:8.1f} ms\n", "a page further, median of processor time",
-               frames[frames.size() / 2]);
-    fmt::print("{:44} {:8.1f} ms\n", "a page further, worst", frames.back());
+    print("a page further, median of processor time", frames[frames.size() / 2]);
+    print("a page further, worst", frames.back());
+}
+
+/// What else the user asks for, each for the first time, and the longest turn that it takes.
+void useAll(AppModel& model, QQuickWindow& window, bench::LongestTurn& turns) {
+    const auto measure = [&](const char* what, const auto& act) {
+        turns.take();
+        act();
+        settle();
+        print(what, turns.take());
+    };
+    const auto keys = [&](const char* what, int key, Qt::KeyboardModifiers modifiers = {}) {
+        measure(what, [&] { press(window, key, modifiers); });
+        press(window, Qt::Key_Escape);
+        settle();
+    };
+    keys("  preview", Qt::Key_Space);
+    keys("  menu of a file", Qt::Key_Menu);
+    keys("  rename", Qt::Key_F2);
+    keys("  commands", Qt::Key_K, Qt::ControlModifier);
+    keys("  shortcuts", Qt::Key_F1);
+    for (const char* theme : {"midnight", "minimal"}) {
+        QQmlExpression choose(qmlContext(&window), &window,
+                              QStringLiteral("Theme.choice = '%1'").arg(QLatin1String(theme)));
+        measure(fmt::format("  theme {}", theme).c_str(), [&] { choose.evaluate(); });
+    }
+    const auto* stage = window.findChild<QObject*>(QStringLiteral("stage"));
+    double slowest = 0;
+    for (const char* section :
+         {"overview", "search", "spaces", "timeline", "graph", "downloads", "duplicates", "storage",
+          "activity", "settings", "models", "privacy", "vault", "files"}) {
+        measure(fmt::format("  {}", section).c_str(), [&] {
+            const bench::Stopwatch stopwatch;
+            model.setSection(QString::fromLatin1(section));
+            waitFor([&] { return stage->property("isSettled").toBool(); });
+            slowest = std::max(slowest, stopwatch.wall() * 1e3);
+        });
+    }
+    print("slowest of the sections, until it is there", slowest);
+    model.setSection(QStringLiteral("search"));
+    settle();
+    for (const char* phrase : {"invoice", "pdfs over 5 mb"}) {
+        measure(fmt::format("  results of \"{}\"", phrase).c_str(),
+                [&] { model.search()->search(QString::fromLatin1(phrase)); });
+    }
 }
 
 void run(const std::string& dataDirectory) {
@@ -88,29 +166,34 @@ void run(const std::string& dataDirectory) {
                              .decoderProgram = {},
                              .section = {}},
                             opener);
+    waitFor([&] { return application.window() != nullptr; });
     QQuickWindow& window = *application.window();
-    bool isDrawn = false;
-    QObject::connect(&window, &QQuickWindow::frameSwapped, &window, [&] { isDrawn = true; });
-    waitFor([&] { return isDrawn; });
-    const double first = sinceProcessStart();
-    LibraryModel& library = *application.model().library();
-    waitFor([&] { return library.files()->count() > 0; });
-    isDrawn = false;
-    waitFor([&] { return isDrawn; });
-    const double filled = sinceProcessStart();
-    waitFor([&] {
-        return !library.librarySummary().value(QStringLiteral("kinds")).toList().isEmpty();
+    double first = 0;
+    double filled = 0;
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &window, [&] {
+        if (first == 0) first = sinceProcessStart();
+        if (filled == 0 && showsFile(window.contentItem())) filled = sinceProcessStart();
     });
-    fmt::print("{:44} {:8.0f} ms\n", "first frame, since the process was started", first);
-    fmt::print("{:44} {:8.0f} ms\n", "first frame with files", filled);
-    fmt::print("{:44} {:8.0f} ms\n", "counts of all files", sinceProcessStart());
-    fmt::print("{:44} {:8.0f} ms\n", "processor time until then",
-               processorMilliseconds(CLOCK_PROCESS_CPUTIME_ID));
+    waitFor([&] { return filled > 0; });
+    AppModel& model = application.model();
+    waitFor([&] {
+        return !model.library()->librarySummary().value(QStringLiteral("kinds")).toList().isEmpty();
+    });
+    const double counted = sinceProcessStart();
+    settle();
+    print("longest turn at the start", turns.take());
+    print("first frame, since the process was started", first);
+    print("first frame with files", filled);
+    print("counts of all files", counted);
     fmt::print("{:44} {:8} MB\n", "memory", ownMegabytes());
-    fmt::print("{:44} {:8.1f} ms\n", "longest turn at the start", turns.take());
+    turns.take();
+    press(window, Qt::Key_Down);
+    settle();
+    print("longest turn when a file is chosen", turns.take());
     scroll(window, 100);
-    fmt::print("{:44} {:8.1f} ms\n", "longest turn while scrolling", turns.take());
+    print("longest turn while scrolling", turns.take());
     fmt::print("{:44} {:8} MB\n", "memory after it", ownMegabytes());
+    useAll(model, window, turns);
 }
 
 } // namespace

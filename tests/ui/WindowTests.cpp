@@ -61,7 +61,7 @@ class Window : public testing::Test {
                                                   .decoderProgram = TOVI_DECODER,
                                                   .section = {}},
                              opener_);
-        ASSERT_NE(window(), nullptr);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return window() != nullptr; }));
         window()->requestActivate();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
         ASSERT_TRUE(QTest::qWaitFor([&] { return model().isLoaded(); }));
@@ -202,11 +202,16 @@ class Window : public testing::Test {
         EXPECT_TRUE(names.isEmpty()) << "not reached with Tab: " << names.join(u", ").toStdString();
     }
 
+    void show(const QString& section) {
+        model().setSection(section);
+        const auto* stage = window()->findChild<QObject*>(QStringLiteral("stage"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return stage->property("isSettled").toBool(); }));
+    }
+
     void checkAllScreens() {
         for (const QVariant& each : window()->property("sections").toList()) {
             const QString section = each.toMap().value(QStringLiteral("id")).toString();
-            model().setSection(section);
-            QCoreApplication::processEvents();
+            show(section);
             EXPECT_TRUE(isTold(each.toMap().value(QStringLiteral("text")).toString()));
             checkScreen(section);
         }
@@ -220,7 +225,7 @@ class Window : public testing::Test {
 TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithoutFiles) {
     open();
     checkAllScreens();
-    model().setSection(QStringLiteral("files"));
+    show(QStringLiteral("files"));
     tabTo(QStringLiteral("Connect your personal files"));
     key(Qt::Key_Space);
     ASSERT_TRUE(waitForFocus(QStringLiteral("Connect this folder")));

@@ -56,7 +56,7 @@ FocusScope {
         Card {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            ListView {
+            GradualList {
                 id: list
                 anchors.fill: parent
                 anchors.margins: 8

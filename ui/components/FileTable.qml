@@ -155,10 +155,11 @@ FocusScope {
         color: Theme.border
     }
 
-    ListView {
+    GradualList {
         id: list
         anchors.fill: parent
         anchors.topMargin: header.height + 1
+        rowHeight: table.rowHeight
         focus: true
         activeFocusOnTab: true
         clip: true

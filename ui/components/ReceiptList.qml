@@ -13,7 +13,7 @@ FocusScope {
 
     signal undoWanted(string receipt)
 
-    ListView {
+    GradualList {
         id: list
         anchors.fill: parent
         visible: count > 0

@@ -55,7 +55,7 @@ Sheet {
             wrapMode: Text.Wrap
             color: Theme.warning
         }
-        ListView {
+        GradualList {
             id: list
             Layout.fillWidth: true
             Layout.preferredHeight: Math.min(contentHeight, 320)

@@ -82,7 +82,7 @@ FocusScope {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: list.count > 0
-            ListView {
+            GradualList {
                 id: list
                 anchors.fill: parent
                 anchors.margins: 8

@@ -1,5 +1,6 @@
 #include "ui/desktop/Application.h"
 
+#include "app/lists/QtConversions.h"
 #include "app/monitor/FolderMonitor.h"
 #include "platform/BootClock.h"
 #include "platform/StandardLocations.h"
@@ -7,9 +8,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QImageReader>
 #include <QQuickStyle>
-#include <QQuickWindow>
+#include <stdexcept>
 
 #include <QtQml/qqmlextensionplugin.h>
 
@@ -25,10 +28,18 @@ CleanupFolders cleanupFolders() {
     return folders;
 }
 
+/// What the first text and the first symbol would find out on the main thread: the fonts of the
+/// system, and who reads pictures.
+void lookAround() {
+    QFontMetricsF(QGuiApplication::font()).height();
+    QImageReader::supportedImageFormats();
+}
+
 } // namespace
 
 Application::Application(const Options& options, FileOpener& opener)
-    : runtime_(options.decoderProgram),
+    : isWindowShown_(options.isWindowShown),
+      runtime_(options.decoderProgram),
       model_({.executor = runtime_.executor(),
               .indexer = runtime_.indexer(),
               .actions = runtime_.actions(),
@@ -62,6 +73,7 @@ Application::Application(const Options& options, FileOpener& opener)
                     .opener = opener,
                     .engine = engine_,
                     .dataDirectory = options.dataDirectory}) {
+    runtime_.executor().run(lookAround);
     if (!options.section.isEmpty()) model_.setSection(options.section);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "App", &model_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "FolderDialogs", &folderPicker_);
@@ -76,18 +88,36 @@ Application::Application(const Options& options, FileOpener& opener)
     engine_.addImageProvider(QStringLiteral("preview"),
                              new PreviewImages(runtime_.decoders(), runtime_.availability()));
     engine_.addImportPath(QStringLiteral(":/qt/qml"));
-    engine_.setInitialProperties(
+    engine_.setIncubationController(&steps_);
+    QObject::connect(&engine_, &QQmlEngine::quit, qGuiApp, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    model_.prepare(); // reads the index while the screens are made
+    QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
+    if (!component.isReady()) throw std::runtime_error(fromQt(component.errorString()));
+    windowIncubator_.setInitialProperties(
         {{QStringLiteral("dataDirectory"),
           QFile::decodeName(QByteArray::fromStdString(options.dataDirectory))},
-         {QStringLiteral("homeDirectory"), QDir::homePath()},
-         {QStringLiteral("visible"), options.isWindowShown}});
-    model_.prepare(); // reads the index while the screens are loaded
-    engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Tovi/Main.qml")));
+         {QStringLiteral("homeDirectory"), QDir::homePath()}});
+    component.create(windowIncubator_);
 }
 
-QQuickWindow* Application::window() const {
-    const QList<QObject*> roots = engine_.rootObjects();
-    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
+void Application::followWindow(QQmlIncubator::Status status) {
+    if (status == QQmlIncubator::Error) {
+        for (const QQmlError& error : windowIncubator_.errors())
+            qCritical("%s", qUtf8Printable(error.toString()));
+        return QCoreApplication::exit(1);
+    }
+    if (status != QQmlIncubator::Ready) return;
+    window_.reset(qobject_cast<QQuickWindow*>(windowIncubator_.object()));
+    // In a turn of its own, for it lays out and draws the whole window.
+    QMetaObject::invokeMethod(
+        window_.get(),
+        [this] {
+            window_->setVisible(isWindowShown_);
+            integration_.setWindow(*window_);
+            folderPicker_.begin();
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace tovi

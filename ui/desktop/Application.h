@@ -6,11 +6,13 @@
 #include "ui/desktop/DesktopIntegration.h"
 #include "ui/desktop/DesktopPorts.h"
 #include "ui/desktop/ScreenModels.h"
+#include "ui/desktop/ShortSteps.h"
 #include "ui/desktop/VaultDialogs.h"
 
-#include <QQmlApplicationEngine>
-
-class QQuickWindow;
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQmlIncubator>
+#include <QQuickWindow>
 
 namespace tovi {
 
@@ -32,10 +34,22 @@ class Application {
     CleanupModel& cleanup() { return cleanup_; }
     VaultModel& vault() { return vault_; }
     DesktopIntegration& integration() { return integration_; }
-    /// None if the screens could not be loaded.
-    QQuickWindow* window() const;
+    /// Made by the event loop, in short steps; none before.
+    QQuickWindow* window() const { return window_.get(); }
 
   private:
+    class WindowIncubator final : public QQmlIncubator {
+      public:
+        explicit WindowIncubator(Application& application) : application_(application) {}
+
+      private:
+        void statusChanged(Status status) override { application_.followWindow(status); }
+
+        Application& application_;
+    };
+    void followWindow(QQmlIncubator::Status status);
+
+    const bool isWindowShown_;
     Runtime runtime_;
     WindowFolderPicker folderPicker_;
     SystemClipboard clipboard_;
@@ -46,8 +60,11 @@ class Application {
     VaultModel vault_;
     std::unique_ptr<platform::SessionSignals> session_;
     SessionLock sessionLock_;
-    QQmlApplicationEngine engine_;
+    ShortSteps steps_;
+    QQmlEngine engine_;
     DesktopIntegration integration_;
+    WindowIncubator windowIncubator_{*this};
+    std::unique_ptr<QQuickWindow> window_;
 };
 
 } // namespace tovi

@@ -125,7 +125,6 @@ int runDesktop(int argc, char** argv) {
              .section = commandLine.section(),
              .isWindowShown = !commandLine.isQuickSearch() && !commandLine.isService()},
             opener);
-        if (!desktop.window()) return 1;
         QObject::connect(&opener, &SystemFileOpener::failed, &desktop.integration(),
                          &DesktopIntegration::showError);
         desktop.integration().obey(activation, search);

@@ -3,14 +3,13 @@
 #include "ui/session/ActivationToken.h"
 
 #include <QGuiApplication>
-#include <QQmlApplicationEngine>
+#include <QQuickWindow>
 
 namespace tovi {
 
 DesktopIntegration::DesktopIntegration(const Parts& parts)
     : executor_(parts.executor),
       model_(parts.model),
-      engine_(parts.engine),
       settings_(parts.dataDirectory),
       tray_(QDBusConnection::sessionBus(), parts.engine, parts.executor, parts.model),
       longWork_(parts.executor, parts.model, parts.cleanup),
@@ -18,7 +17,7 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
       quickSearch_(parts.executor, *parts.model.search(), parts.opener),
       panel_(parts.engine, quickSearch_),
       presence_(parts.executor, [this] {
-          return Presence::Shown{window()->isVisible(), panel_.isShown(), livesInTray()};
+          return Presence::Shown{isWindowShown(), panel_.isShown(), livesInTray()};
       }) {
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Desktop", &settings_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "SystemAppearance", &appearance_);
@@ -37,7 +36,9 @@ DesktopIntegration::DesktopIntegration(const Parts& parts)
     // Started for the panel alone, or for a question, the program ends after it.
     connect(&panel_, &QuickSearchPanelController::dismissed, &presence_, &Presence::leavePanel);
     connect(&presence_, &Presence::ended, qGuiApp, &QCoreApplication::quit);
-    connect(&presence_, &Presence::windowWanted, this, [this] { window()->showMinimized(); });
+    connect(&presence_, &Presence::windowWanted, this, [this] {
+        if (window_) window_->showMinimized();
+    });
     connect(&settings_, &DesktopSettings::failed, this, &DesktopIntegration::showError);
     connect(&settings_, &DesktopSettings::changed, this, &DesktopIntegration::followTray);
     connect(&tray_, &Tray::shownChanged, this, &DesktopIntegration::followTray);
@@ -56,7 +57,6 @@ void DesktopIntegration::obey(const DesktopActivation& activation, SystemSearch&
     connect(&activation, &DesktopActivation::activated, this, &DesktopIntegration::showWindow);
     connect(&activation, &DesktopActivation::quickSearchRequested, this,
             &DesktopIntegration::showQuickSearch);
-    if (window()->isVisible()) tray_.appear();
     search.answerFrom(executor_, model_, settings_);
     connect(&search, &SystemSearch::asked, &presence_, &Presence::answer);
     connect(&search, &SystemSearch::openRequested, this, [this](const QString& path) {
@@ -72,18 +72,28 @@ void DesktopIntegration::obey(const DesktopActivation& activation, SystemSearch&
     });
 }
 
-QQuickWindow* DesktopIntegration::window() const {
-    return qobject_cast<QQuickWindow*>(engine_.rootObjects().value(0));
+void DesktopIntegration::setWindow(QQuickWindow& window) {
+    window_ = &window;
+    if (wanted_) return showWindow(*std::exchange(wanted_, {}));
+    if (window.isVisible()) tray_.appear();
+}
+
+bool DesktopIntegration::isWindowShown() const {
+    return window_ && window_->isVisible();
 }
 
 void DesktopIntegration::showError(const QString& sentence) {
     model_.notices()->setError(sentence.toStdString());
-    if (window()->isVisible()) return window()->alert(0);
+    if (isWindowShown()) return window_->alert(0);
     showWindow({});
 }
 
 void DesktopIntegration::showWindow(const QVariantMap& platformData) {
-    activate(*window(), platformData);
+    if (!window_) {
+        wanted_ = platformData;
+        return;
+    }
+    activate(*window_, platformData);
     tray_.appear();
 }
 
@@ -94,7 +104,7 @@ void DesktopIntegration::followTray() {
 }
 
 void DesktopIntegration::explainTray() {
-    if (!livesInTray() || window()->isVisible() || settings_.knowsTray()) return;
+    if (!livesInTray() || isWindowShown() || settings_.knowsTray()) return;
     settings_.setKnowsTray();
     notifications_.show(tr("Tovi goes on in the tray"),
                         tr("Its icon there opens the window again or quits. Settings can end Tovi "

@@ -14,7 +14,11 @@
 #include "ui/session/Tray.h"
 #include "ui/shortcut/GlobalHotKey.h"
 
-class QQmlApplicationEngine;
+#include <QPointer>
+#include <optional>
+
+class QQmlEngine;
+class QQuickWindow;
 
 namespace tovi {
 
@@ -32,11 +36,14 @@ class DesktopIntegration : public QObject {
         CleanupModel& cleanup;
         VaultModel& vault;
         FileOpener& opener;
-        QQmlApplicationEngine& engine;
+        QQmlEngine& engine;
         const std::string& dataDirectory;
     };
 
     explicit DesktopIntegration(const Parts& parts);
+
+    /// The one that is shown when it is asked for; before there is none, the wish is kept.
+    void setWindow(QQuickWindow& window);
 
     /// Does from now on what the session bus asks for.
     void obey(const DesktopActivation& activation, SystemSearch& search);
@@ -49,7 +56,7 @@ class DesktopIntegration : public QObject {
     QuickSearchState& quickSearch() { return quickSearch_; }
 
   private:
-    QQuickWindow* window() const;
+    bool isWindowShown() const;
     void registerShortcut();
     bool livesInTray() const { return tray_.isShown() && settings_.staysInTray(); }
     void followTray();
@@ -58,7 +65,8 @@ class DesktopIntegration : public QObject {
 
     Executor& executor_;
     AppModel& model_;
-    QQmlApplicationEngine& engine_;
+    QPointer<QQuickWindow> window_;
+    std::optional<QVariantMap> wanted_; // asked for before there was a window
     DesktopSettings settings_;
     SystemAppearance appearance_{QDBusConnection::sessionBus()};
     Tray tray_;

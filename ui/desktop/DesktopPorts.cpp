@@ -32,10 +32,21 @@ bool isThere(const std::string& path) {
 } // namespace
 
 void WindowFolderPicker::pick(const Request& request, Answer answer) {
+    request_ = request;
     answer_ = std::move(answer);
-    const QString directory = request.directory ? decoded(*request.directory) : QString();
-    Q_EMIT requested(QString::fromStdString(request.title), QString::fromStdString(request.message),
-                     QString::fromStdString(request.button),
+    if (hasWindow_) ask();
+}
+
+void WindowFolderPicker::begin() {
+    hasWindow_ = true;
+    if (answer_) ask();
+}
+
+void WindowFolderPicker::ask() {
+    const QString directory = request_.directory ? decoded(*request_.directory) : QString();
+    Q_EMIT requested(QString::fromStdString(request_.title),
+                     QString::fromStdString(request_.message),
+                     QString::fromStdString(request_.button),
                      directory.isEmpty() ? QUrl() : QUrl::fromLocalFile(directory));
 }
 

@@ -9,12 +9,15 @@
 
 namespace tovi {
 
-/// Asks the window for a folder: the dialog is in QML, where it looks like the rest.
+/// Asks the window for a folder: the dialog is in QML, where it looks like the rest. What is asked
+/// before there is a window waits for it.
 class WindowFolderPicker final : public QObject, public FolderPicker {
     Q_OBJECT
 
   public:
     void pick(const Request& request, Answer answer) override;
+    /// There is a window.
+    void begin();
 
     /// The answer of the dialog; an empty address where nothing was chosen.
     Q_INVOKABLE void finish(const QUrl& folder);
@@ -24,6 +27,10 @@ class WindowFolderPicker final : public QObject, public FolderPicker {
                    const QUrl& directory);
 
   private:
+    void ask();
+
+    bool hasWindow_ = false;
+    Request request_;
     Answer answer_;
 };
 

@@ -45,7 +45,7 @@ FocusScope {
             isSecondary: true
             font.pixelSize: Theme.caption
         }
-        ListView {
+        GradualList {
             id: list
             Layout.fillWidth: true
             Layout.fillHeight: true

@@ -75,7 +75,7 @@ FocusScope {
                         onClicked: Downloads.selectedGroup = ""
                         Keys.onDownPressed: groups.focusRow(0)
                     }
-                    ListView {
+                    GradualList {
                         id: groups
 
                         function focusRow(row) {

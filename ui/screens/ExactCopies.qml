@@ -54,7 +54,7 @@ FocusScope {
             }
         }
 
-        ListView {
+        GradualList {
             id: list
             Layout.fillWidth: true
             Layout.fillHeight: true

@@ -10,7 +10,8 @@ FocusScope {
 
     readonly property string title: qsTr("Files")
     readonly property var summary: App.library.librarySummary
-    readonly property int total: summary.total || 0
+    readonly property int total: summary.total || 0 // of a large library counted after the first rows
+    readonly property bool hasFiles: total > 0 || App.library.files.count > 0
 
     ColumnLayout {
         anchors.fill: parent
@@ -20,13 +21,17 @@ FocusScope {
         ScreenHeader {
             Layout.fillWidth: true
             title: screen.title
-            subtitle: screen.total > 0
-                ? App.library.files.count === screen.total ? Format.counted(screen.total, qsTr("file"), qsTr("files"))
-                : qsTr("Showing %1 of %2").arg(Format.count(App.library.files.count))
-                    .arg(Format.counted(screen.total, qsTr("file"), qsTr("files")))
-                : ""
+            subtitle: {
+                const shown = App.library.files.count
+                if (!screen.hasFiles)
+                    return ""
+                if (screen.total === 0)
+                    return qsTr("Showing %1").arg(Format.counted(shown, qsTr("file"), qsTr("files")))
+                const all = Format.counted(screen.total, qsTr("file"), qsTr("files"))
+                return shown === screen.total ? all : qsTr("Showing %1 of %2").arg(Format.count(shown)).arg(all)
+            }
             ActionButton {
-                visible: screen.total > 0
+                visible: screen.hasFiles
                 text: qsTr("Add folder")
                 symbol: "folder.badge.plus"
                 isPrimary: true
@@ -37,7 +42,7 @@ FocusScope {
         Flow {
             Layout.fillWidth: true
             spacing: 8
-            visible: screen.total > 0
+            visible: screen.hasFiles
             FilterButton {
                 text: qsTr("All")
                 isCurrent: App.library.libraryKind === ""
@@ -58,7 +63,7 @@ FocusScope {
         Panes {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: screen.total > 0
+            visible: screen.hasFiles
 
             Card {
                 SplitView.fillWidth: true
@@ -92,7 +97,7 @@ FocusScope {
         Welcome {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: screen.total === 0
+            visible: !screen.hasFiles && App.library.filesRevision > 0
         }
     }
 }

@@ -133,7 +133,7 @@ FocusScope {
             Card {
                 SplitView.preferredWidth: screen.width > 900 ? 330 : 280
                 SplitView.minimumWidth: 270
-                ListView {
+                GradualList {
                     id: list
                     anchors.fill: parent
                     anchors.margins: 8

@@ -10,16 +10,17 @@ FocusScope {
 
     readonly property string title: qsTr("Overview")
     readonly property var summary: App.library.librarySummary
-    readonly property int total: summary.total || 0
+    readonly property int total: summary.total || 0 // of a large library counted after the first files
+    readonly property bool hasFiles: total > 0 || App.library.files.count > 0
 
     Welcome {
         anchors.fill: parent
         anchors.margins: 24
-        visible: screen.total === 0
+        visible: !screen.hasFiles && App.library.filesRevision > 0
     }
     Flickable {
         anchors.fill: parent
-        visible: screen.total > 0
+        visible: screen.hasFiles
         contentHeight: column.implicitHeight + 48
         boundsBehavior: Flickable.StopAtBounds
         clip: true
@@ -56,7 +57,7 @@ FocusScope {
                 rowSpacing: 12
                 Repeater {
                     model: [
-                        { symbol: "doc", value: Format.count(screen.total), text: qsTr("files indexed"), section: "files" },
+                        { symbol: "doc", value: screen.total > 0 ? Format.count(screen.total) : "…", text: qsTr("files indexed"), section: "files" },
                         { symbol: "square.on.square",
                           value: App.duplicates.hasSearched ? Format.size(App.duplicates.reclaimableBytes) : qsTr("Find"),
                           text: App.duplicates.hasSearched ? qsTr("in duplicates") : qsTr("exact duplicates"), section: "duplicates" },

@@ -56,7 +56,7 @@ FocusScope {
             onActed: App.spaces.restoreDeletedSpace()
             onDismissed: App.spaces.dismissDeletedSpaceNotice()
         }
-        ListView {
+        GradualList {
             id: list
             Layout.fillWidth: true
             Layout.fillHeight: true

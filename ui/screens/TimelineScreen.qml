@@ -106,7 +106,7 @@ FocusScope {
             Card {
                 SplitView.preferredWidth: screen.width > 900 ? 290 : 236
                 SplitView.minimumWidth: 200
-                ListView {
+                GradualList {
                     id: periods
                     anchors.fill: parent
                     anchors.margins: 8

@@ -29,7 +29,7 @@ void run(const QCommandLineParser& line) {
                                                    .toStdString(),
                              .section = {}},
                             opener);
-    if (!application.window()) throw std::runtime_error("The screens could not be loaded.");
+    waitFor([&] { return application.window() != nullptr; });
     Photographer photographer(application, line.value(QStringLiteral("out")),
                               line.value(QStringLiteral("suffix")));
     const QStringList size = line.value(QStringLiteral("size")).split(u'x');

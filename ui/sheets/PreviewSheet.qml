@@ -59,7 +59,20 @@ Sheet {
             id: keys
             Layout.fillWidth: true
             Layout.fillHeight: true
-            readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || text.excerpt === ""
+            readonly property string text: Preview.path === sheet.path ? Preview.text : ""
+            readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || text === ""
+            // So much at once as is laid out in a moment: some lines, or a part of a very long one.
+            readonly property var passages: {
+                const made = []
+                for (const line of text.split("<br>")) {
+                    const last = made.length - 1
+                    if (last >= 0 && made[last].length + line.length < 600)
+                        made[last] += "<br>" + line
+                    else
+                        made.push(...(line.match(/.{1,1000}(?: |$)|[^ ]+/g) || [""]))
+                }
+                return made
+            }
             activeFocusOnTab: true
             Accessible.role: Accessible.Pane
             Accessible.name: sheet.title
@@ -98,18 +111,21 @@ Sheet {
                 text: qsTr("No preview of this file")
                 isSecondary: true
             }
-            Flickable {
+            GradualList {
                 anchors.fill: parent
                 anchors.margins: 20
                 visible: !keys.showsPicture
-                contentHeight: text.implicitHeight
+                rowHeight: 120
+                step: 1
+                spacing: 5 // as between the lines
                 boundsBehavior: Flickable.StopAtBounds
                 clip: true
                 ScrollBar.vertical: ScrollBar {}
-                MarkedText {
-                    id: text
-                    width: parent.width
-                    excerpt: Preview.path === sheet.path ? Preview.text : ""
+                model: keys.passages
+                delegate: MarkedText {
+                    required property string modelData
+                    width: ListView.view.width
+                    excerpt: modelData
                     lineHeight: 1.3
                 }
             }
