@@ -31,6 +31,7 @@ FocusScope {
             spacing: 8
             InputField {
                 id: field
+                focus: true
                 Layout.fillWidth: true
                 Layout.maximumWidth: 420
                 label: qsTr("Name of a new space")
@@ -61,7 +62,6 @@ FocusScope {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: count > 0
-            focus: true
             clip: true
             spacing: 12
             model: screen.spaces
