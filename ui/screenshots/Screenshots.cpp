@@ -29,9 +29,9 @@ void run(const QCommandLineParser& line) {
                                                    .toStdString(),
                              .section = {}},
                             opener);
-    waitFor([&] { return application.window() != nullptr; });
     Photographer photographer(application, line.value(QStringLiteral("out")),
                               line.value(QStringLiteral("suffix")));
+    photographer.waitFor([&] { return application.window() != nullptr; });
     const QStringList size = line.value(QStringLiteral("size")).split(u'x');
     if (size.size() == 2) application.window()->resize(size[0].toInt(), size[1].toInt());
     AppModel& model = application.model();
