@@ -4,7 +4,6 @@
 
 #include <QAccessible>
 #include <QFile>
-#include <QQmlExpression>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -247,22 +246,6 @@ TEST_F(Window, NamesEveryControlAndReachesItByKeyboardWithFiles) {
     model().duplicates()->findDuplicates();
     ASSERT_TRUE(QTest::qWaitFor([&] { return model().duplicates()->hasSearched(); }));
     checkAllScreens();
-    key(Qt::Key_Comma, Qt::ControlModifier);
-    ASSERT_TRUE(waitForFocus(QStringLiteral("Find a setting")));
-    type(QStringLiteral("tray"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !isTold(QStringLiteral("More contrast")); }));
-    EXPECT_TRUE(isTold(QStringLiteral("Keep running in the tray")));
-    EXPECT_FALSE(isTold(QStringLiteral("Appearance")));
-    key(Qt::Key_A, Qt::ControlModifier);
-    type(QStringLiteral("contrast"));
-    EXPECT_TRUE(waitUntilTold(QStringLiteral("More contrast")));
-    QQmlExpression hasContrast(qmlContext(window()), window(),
-                               QStringLiteral("Theme.highContrast"));
-    for (const char* choice : {"On", "Off"}) {
-        tabTo(QLatin1String(choice));
-        key(Qt::Key_Space);
-        EXPECT_EQ(hasContrast.evaluate(), QVariant(choice == std::string("On")));
-    }
 }
 
 TEST_F(Window, ObeysThePressOfAssistiveTechnology) {
