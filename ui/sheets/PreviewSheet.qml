@@ -61,10 +61,14 @@ Sheet {
             Layout.fillHeight: true
             readonly property var passages: Preview.path === sheet.path ? Preview.passages : []
             readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || passages.length === 0
+            function turn(pages) {
+                text.contentY += pages * (text.height - Theme.rowHeight)
+                text.returnToBounds()
+            }
             activeFocusOnTab: true
             Accessible.role: Accessible.Pane
             Accessible.name: sheet.title
-            Accessible.description: qsTr("The arrow keys show the next file, Space closes")
+            Accessible.description: qsTr("The arrow keys show the next file, Page Up and Page Down turn its pages, Space closes")
             Keys.onPressed: event => {
                 event.accepted = true
                 switch (event.key) {
@@ -73,6 +77,8 @@ Sheet {
                 case Qt.Key_Left: return sheet.owner.move(-1, Qt.NoModifier)
                 case Qt.Key_Down:
                 case Qt.Key_Right: return sheet.owner.move(1, Qt.NoModifier)
+                case Qt.Key_PageUp: return turn(-1)
+                case Qt.Key_PageDown: return turn(1)
                 }
                 event.accepted = false
             }
@@ -100,6 +106,7 @@ Sheet {
                 isSecondary: true
             }
             GradualList {
+                id: text
                 anchors.fill: parent
                 anchors.margins: 20
                 visible: !keys.showsPicture
