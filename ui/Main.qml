@@ -57,20 +57,6 @@ ApplicationWindow {
             return
         }
     }
-    /// Takes back the last change, be it of files or a cleanup.
-    function undoLast() {
-        const [change, cleanup] = [App.plans.actions, Cleanup.history].map(receipts => {
-            let row = 0
-            while (row < receipts.count && !receipts.value(row, "canUndo"))
-                ++row
-            return row < receipts.count
-                ? { date: receipts.value(row, "date"), id: receipts.value(row, "id") } : { date: 0 }
-        })
-        if (cleanup.date > change.date)
-            Cleanup.undo(cleanup.id)
-        else
-            App.plans.undoLast()
-    }
     /// Whether what has the keyboard does not show it.
     function isNowhere(item) {
         if (!item.visible || item.parent === null)
@@ -324,7 +310,7 @@ ApplicationWindow {
     Shortcut { sequences: ["Ctrl+K", "Meta+K"]; onActivated: App.showCommandPalette = true }
     Shortcut { sequences: [StandardKey.Find]; onActivated: window.find() }
     Shortcut { sequence: "Ctrl+,"; onActivated: App.section = "settings" }
-    Shortcut { sequences: [StandardKey.Undo]; onActivated: window.undoLast() }
+    Shortcut { sequences: [StandardKey.Undo]; onActivated: Cleanup.undoLast() }
     Shortcut { sequences: ["Ctrl+?", "F1"]; onActivated: shortcuts.get().open() }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }

@@ -419,6 +419,16 @@ void CleanupModel::undo(const QString& receipt) {
     });
 }
 
+void CleanupModel::undoLast() {
+    const std::vector<CleanupReceipt>& receipts = history_.rows();
+    const auto last = std::find_if(receipts.begin(), receipts.end(), canUndo);
+    const ActionReceipt* change = app_.plans()->lastChange();
+    if (last != receipts.end() && (!change || change->date < last->date))
+        undo(toQt(last->id.string()));
+    else
+        app_.plans()->undoLast();
+}
+
 void CleanupModel::refreshHistory() {
     if (!service_) return;
     runLatest(

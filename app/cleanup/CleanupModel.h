@@ -97,6 +97,8 @@ class CleanupModel : public QObject {
     /// Asks an execution to stop after the item it is at.
     Q_INVOKABLE void stopExecution();
     Q_INVOKABLE void undo(const QString& receipt);
+    /// Takes back the last change, be it a cleanup or one of files.
+    Q_INVOKABLE void undoLast();
 
     void refreshHistory();
 

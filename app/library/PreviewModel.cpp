@@ -31,11 +31,11 @@ void PreviewModel::setIndex(std::shared_ptr<IndexStore> index) {
 }
 
 void PreviewModel::show(const QString& path, const QString& phrase) {
-    using Excerpts = std::pair<QString, QString>;
+    using Excerpts = std::pair<QString, QStringList>;
     generation_.cancel();
     path_ = path;
     excerpt_.clear();
-    text_.clear();
+    passages_.clear();
     isLoading_ = index_ && !path.isEmpty();
     Q_EMIT changed();
     if (!isLoading_) return;
@@ -49,11 +49,11 @@ void PreviewModel::show(const QString& path, const QString& phrase) {
             const QString content =
                 readable(tovi::toQt(file->content).trimmed(), file->kind == FileKind::pdf);
             return Excerpts(markedExcerpt(content, words, longestExcerpt),
-                            markedExcerpt(content, words, longestText));
+                            tovi::passages(markedExcerpt(content, words, longestText)));
         },
         [this](const Outcome<Excerpts>& outcome) {
             isLoading_ = false;
-            std::tie(excerpt_, text_) = outcome.value.value_or(Excerpts());
+            std::tie(excerpt_, passages_) = outcome.value.value_or(Excerpts());
             Q_EMIT changed();
         });
 }

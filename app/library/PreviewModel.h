@@ -13,12 +13,12 @@ class PreviewModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString path READ path NOTIFY changed)
     Q_PROPERTY(QString excerpt READ excerpt NOTIFY changed)
-    Q_PROPERTY(QString text READ text NOTIFY changed)
+    Q_PROPERTY(QStringList passages READ passages NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
 
   public:
     static constexpr qsizetype longestExcerpt = 1'500; // UTF-16 units
-    static constexpr qsizetype longestText = 8'000;
+    static constexpr qsizetype longestText = 200'000;
 
     explicit PreviewModel(Executor& executor) : executor_(executor) {}
 
@@ -28,8 +28,8 @@ class PreviewModel : public QObject {
     QString path() const { return path_; }
     /// HTML as `markedExcerpt` makes it; empty without text, and while it is read.
     QString excerpt() const { return excerpt_; }
-    /// The same with more of the file, for a large view.
-    QString text() const { return text_; }
+    /// The same with more of the file, in parts for a large view.
+    QStringList passages() const { return passages_; }
     bool isLoading() const { return isLoading_; }
 
     /// `phrase` is what was searched for; may be empty.
@@ -46,7 +46,7 @@ class PreviewModel : public QObject {
     std::shared_ptr<IndexStore> index_;
     QString path_;
     QString excerpt_;
-    QString text_;
+    QStringList passages_;
     bool isLoading_ = false;
     Generation generation_;
 };

@@ -8,6 +8,8 @@ namespace {
 
 constexpr qsizetype mostBefore = 160; // the first word
 constexpr qsizetype longestWord = 24;
+constexpr qsizetype longPassage = 600;
+constexpr qsizetype longestLine = 1'000;
 
 /// Matches nothing without words.
 QRegularExpression patternOf(const QStringList& words) {
@@ -38,6 +40,15 @@ qsizetype wordEnd(const QString& text, qsizetype at) {
     return text[at].isLowSurrogate() ? at - 1 : at;
 }
 
+/// A place at or just before `at` that is in no tag, escaped letter or surrogate pair.
+qsizetype wholeBefore(const QString& html, qsizetype at) {
+    constexpr qsizetype longest = 6; // "&quot;"
+    for (qsizetype begin = at; begin > at - longest; --begin) {
+        if (html[begin] == u'<' || html[begin] == u'&') return begin;
+    }
+    return html[at].isLowSurrogate() ? at - 1 : at;
+}
+
 QString escaped(QStringView part) {
     return part.toString().toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
 }
@@ -65,6 +76,28 @@ QString markedExcerpt(const QString& text, const QStringList& words, qsizetype l
     html += escaped(QStringView(shown).mid(done));
     if (end < text.size()) html += QStringLiteral(" …");
     return html;
+}
+
+QStringList passages(const QString& excerpt) {
+    static const QString lineEnd = QStringLiteral("<br>");
+    QStringList made;
+    if (excerpt.isEmpty()) return made;
+    for (const QString& line : excerpt.split(lineEnd)) {
+        if (!made.isEmpty() && made.last().size() + line.size() < longPassage) {
+            made.last() += lineEnd + line;
+            continue;
+        }
+        qsizetype begin = 0;
+        while (line.size() - begin > longestLine) {
+            const qsizetype space = line.lastIndexOf(u' ', begin + longestLine);
+            const qsizetype end =
+                space > begin ? space + 1 : wholeBefore(line, begin + longestLine);
+            made.append(line.mid(begin, end - begin));
+            begin = end;
+        }
+        made.append(line.mid(begin));
+    }
+    return made;
 }
 
 } // namespace tovi

@@ -10,4 +10,8 @@ namespace tovi {
 /// `…` stands for what was left out.
 QString markedExcerpt(const QString& text, const QStringList& words, qsizetype limit);
 
+/// An excerpt cut at ends of lines, and within very long lines at spaces if there are any, into
+/// parts of at most a thousand UTF-16 units, each of which is laid out in a moment.
+QStringList passages(const QString& excerpt);
+
 } // namespace tovi

@@ -284,9 +284,13 @@ void PlansModel::undo(const QString& receipt) {
         });
 }
 
-void PlansModel::undoLast() {
+const ActionReceipt* PlansModel::lastChange() const {
     const auto last = std::find_if(receipts().begin(), receipts().end(), canUndo);
-    if (last != receipts().end()) undo(toQt(last->id.string()));
+    return last == receipts().end() ? nullptr : &*last;
+}
+
+void PlansModel::undoLast() {
+    if (const ActionReceipt* last = lastChange()) undo(toQt(last->id.string()));
 }
 
 } // namespace tovi

@@ -65,6 +65,8 @@ class PlansModel : public QObject {
     Q_INVOKABLE void stopExecution();
     Q_INVOKABLE void undo(const QString& receipt);
     Q_INVOKABLE void undoLast();
+    /// The last one that can be undone; none if there is none. Valid until the receipts change.
+    const ActionReceipt* lastChange() const;
 
     void setService(std::shared_ptr<FileActionService> service);
     void refreshHistory();
@@ -81,7 +83,7 @@ class PlansModel : public QObject {
         FileOperation operation = FileOperation::trash;
         std::optional<std::string> newName = {};
         std::function<CopiesToTrash()> chooseCopies = {}; // instead of `files`
-        std::size_t left = 0; // of `files`, for a further plan
+        std::size_t left = 0;                             // of `files`, for a further plan
         bool isVaultOriginalReview = false;
     };
     void propose(Request request);

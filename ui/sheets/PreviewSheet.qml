@@ -59,20 +59,8 @@ Sheet {
             id: keys
             Layout.fillWidth: true
             Layout.fillHeight: true
-            readonly property string text: Preview.path === sheet.path ? Preview.text : ""
-            readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || text === ""
-            // So much at once as is laid out in a moment: some lines, or a part of a very long one.
-            readonly property var passages: {
-                const made = []
-                for (const line of text.split("<br>")) {
-                    const last = made.length - 1
-                    if (last >= 0 && made[last].length + line.length < 600)
-                        made[last] += "<br>" + line
-                    else
-                        made.push(...(line.match(/.{1,1000}(?: |$)|[^ ]+/g) || [""]))
-                }
-                return made
-            }
+            readonly property var passages: Preview.path === sheet.path ? Preview.passages : []
+            readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || passages.length === 0
             activeFocusOnTab: true
             Accessible.role: Accessible.Pane
             Accessible.name: sheet.title

@@ -69,6 +69,12 @@ TEST_F(CleanupModelTest, FindsMovesAndRestoresWhatWasReviewed) {
     EXPECT_EQ(cleanup->candidates()->bytes(), 8);
     EXPECT_EQ(cleanup->reportValues()[QStringLiteral("scannedFiles")].toInt(), 3);
 
+    PlansModel& plans = *model->plans();
+    plans.proposeRename(at("notes.txt"), QStringLiteral("memo.txt"));
+    executor.settle();
+    plans.confirmPlan(plans.proposedPlanValues()[QStringLiteral("id")].toString());
+    executor.settle();
+    executor.advance(1);
     cleanup->review();
     executor.settle();
     EXPECT_EQ(error(), "Select between 1 and 200 items for each cleanup review.");
@@ -87,13 +93,17 @@ TEST_F(CleanupModelTest, FindsMovesAndRestoresWhatWasReviewed) {
     EXPECT_EQ(model->library()->summary().total(), 1);
     ASSERT_EQ(cleanup->history()->value(0, QStringLiteral("count")).toInt(), 2);
 
-    cleanup->undo(cleanup->history()->value(0, QStringLiteral("id")).toString());
+    cleanup->undoLast();
     executor.settle();
     EXPECT_TRUE(cleanup->history()->value(0, QStringLiteral("undone")).toBool());
     EXPECT_EQ(test::readFile(tree.path("Downloads/old.zip")), "12345");
     EXPECT_EQ(found().size(), 2U);
     EXPECT_EQ(model->library()->summary().total(), 3);
     EXPECT_FALSE(model->isInMaintenance());
+    EXPECT_FALSE(std::filesystem::exists(tree.path("notes.txt")));
+    cleanup->undoLast();
+    executor.settle();
+    EXPECT_TRUE(std::filesystem::exists(tree.path("notes.txt"))) << "changed before";
 }
 
 TEST_F(CleanupModelTest, ScansByItselfOnlyWhenItIsDueAndNothingElseRuns) {

@@ -24,6 +24,15 @@ TEST(TextExcerpt, MarksWordsWhereTheyBeginAndEscapesTheRest) {
 
     EXPECT_EQ(markedExcerpt(toQt("one two threefour"), {}, 10), toQt("one two …"));
 
+    EXPECT_TRUE(passages({}).isEmpty());
+    EXPECT_EQ(passages(toQt("a<br>b")), QStringList(toQt("a<br>b")));
+    for (const char* word : {"<b>x</b> ", "&amp;", "😀", "<b>x</b>"}) {
+        const QStringList parts = passages(toQt(word).repeated(900));
+        EXPECT_EQ(parts.join(QString()), toQt(word).repeated(900)) << "nothing is left out";
+        for (const QString& part : parts)
+            EXPECT_TRUE(part.size() <= 1'001 && !part.startsWith(u'a') && part.isValidUtf16());
+    }
+
     const QString pair = toQt("😀");
     const QString excerpt =
         markedExcerpt(pair.repeated(200) + toQt(" hit ") + pair.repeated(200), {toQt("hit")}, 300);
