@@ -1,5 +1,4 @@
 import QtQuick
-import QtQml.Models
 
 /// Lets a repeater make a few of its items with every frame of the window, for all at once would
 /// keep it waiting.

@@ -11,6 +11,7 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImageReader>
+#include <QQmlComponent>
 #include <QQuickStyle>
 #include <stdexcept>
 

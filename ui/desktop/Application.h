@@ -9,7 +9,6 @@
 #include "ui/desktop/ShortSteps.h"
 #include "ui/desktop/VaultDialogs.h"
 
-#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlIncubator>
 #include <QQuickWindow>
