@@ -11,7 +11,7 @@ namespace tovi {
 QString markedExcerpt(const QString& text, const QStringList& words, qsizetype limit);
 
 /// An excerpt cut at ends of lines, and within very long lines at spaces if there are any, into
-/// parts of at most a thousand UTF-16 units, each of which is laid out in a moment.
+/// parts of about a thousand UTF-16 units, each of which is laid out in a moment.
 QStringList passages(const QString& excerpt);
 
 } // namespace tovi
