@@ -25,8 +25,10 @@ void place(std::vector<GraphNode>& nodes, const std::vector<std::size_t>& chosen
     const std::size_t count = chosen.size();
     const std::size_t rings =
         std::clamp((count + ringCapacity - 1) / ringCapacity, std::size_t{1}, mostRings);
+    // The same number on each ring, so that the last one is as far from the first as others are.
+    const std::size_t places = (count + rings - 1) / rings * rings;
     for (std::size_t at = 0; at < count; ++at) {
-        const double turn = static_cast<double>(at) / static_cast<double>(count);
+        const double turn = static_cast<double>(at) / static_cast<double>(places);
         const double angle = 2 * std::numbers::pi * turn - std::numbers::pi / 2;
         const double share =
             rings == 1 ? 0.8 : static_cast<double>(at % rings) / static_cast<double>(rings - 1);

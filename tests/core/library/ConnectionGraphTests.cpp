@@ -49,11 +49,18 @@ TEST(ConnectionGraph, GoesTwoStepsAndHoldsEachFileOnceInItsCircle) {
         EXPECT_LE(nodes.size(), mostGraphNodes);
         EXPECT_GT(nodes.size(), 40U);
         std::set<std::string> paths;
-        std::set<std::pair<double, double>> places;
-        for (const GraphNode& node : nodes) {
+        for (const GraphNode& node : nodes)
             EXPECT_TRUE(paths.insert(node.file.path).second);
-            EXPECT_TRUE(places.emplace(node.x, node.y).second) << "none covers another";
-            EXPECT_LE(std::hypot(node.x, node.y), 1 + 1e-9);
+    }
+    for (std::size_t files = 50; files > 0; --files) {
+        many.front().paths.resize(files + 1);
+        const auto nodes = *connectionGraph(index, "/r/a/1", 1, {many.front()}, {});
+        for (std::size_t at = 0; at < nodes.size(); ++at) {
+            EXPECT_LE(std::hypot(nodes[at].x, nodes[at].y), 1 + 1e-9);
+            for (std::size_t other = 0; other < at; ++other)
+                EXPECT_GT(std::hypot(nodes[at].x - nodes[other].x, nodes[at].y - nodes[other].y),
+                          0.15)
+                    << files << " files, " << other << " and " << at;
         }
     }
 }
