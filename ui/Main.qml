@@ -35,7 +35,7 @@ ApplicationWindow {
         { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
         { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
           symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
-        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.get().open() }
+        { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.use(sheet => sheet.open()) }
     ])
     property var visited: [] // the last is the current one
 
@@ -94,22 +94,32 @@ ApplicationWindow {
     color: Theme.background
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
-    palette {
-        window: Theme.raised
-        windowText: Theme.text
-        base: Theme.raised
-        text: Theme.text
-        button: Theme.raised
-        buttonText: Theme.text
-        light: Theme.selected
-        midlight: Theme.selected
-        mid: Theme.outline
-        dark: Theme.border
-        highlight: Theme.accent // the ring of the buttons in Qt's own dialogs
-        highlightedText: Theme.text
-        toolTipBase: Theme.raised
-        toolTipText: Theme.text
-        placeholderText: Theme.secondaryText
+    readonly property var colorRoles: [
+        ["window", Theme.raised],
+        ["windowText", Theme.text],
+        ["base", Theme.raised],
+        ["text", Theme.text],
+        ["button", Theme.raised],
+        ["buttonText", Theme.text],
+        ["light", Theme.selected],
+        ["midlight", Theme.selected],
+        ["mid", Theme.outline],
+        ["dark", Theme.border],
+        ["highlight", Theme.accent], // the ring of the buttons in Qt's own dialogs
+        ["highlightedText", Theme.text],
+        ["toolTipBase", Theme.raised],
+        ["toolTipText", Theme.text],
+        ["placeholderText", Theme.secondaryText]
+    ]
+    property int givenRoles: 0
+    onColorRolesChanged: givenRoles = 0
+    StepwiseWork { // for each goes through all that is in the window
+        isWanted: window.givenRoles < window.colorRoles.length
+        onStep: {
+            const [role, color] = window.colorRoles[window.givenRoles]
+            window.palette[role] = color
+            ++window.givenRoles
+        }
     }
 
     Binding { target: Theme; property: "choice"; value: App.settings.themeChoice }
@@ -166,19 +176,22 @@ ApplicationWindow {
                         spacing: 2
                         Repeater {
                             id: rows
-                            model: window.sections
-                            NavigationRow {
-                                required property var modelData
-                                required property int index
-                                Layout.fillWidth: true
-                                text: modelData.text
-                                symbol: modelData.symbol
-                                isCompact: window.height < 680
-                                isNarrow: sidebar.isNarrow
-                                isCurrent: window.current.id === modelData.id
-                                onClicked: modelData.id === "search" ? window.find() : (App.section = modelData.id)
-                                Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
-                                Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
+                            model: GradualModel {
+                                isHeld: !window.visible
+                                model: window.sections
+                                delegate: NavigationRow {
+                                    required property var modelData
+                                    required property int index
+                                    Layout.fillWidth: true
+                                    text: modelData.text
+                                    symbol: modelData.symbol
+                                    isCompact: window.height < 680
+                                    isNarrow: sidebar.isNarrow
+                                    isCurrent: window.current.id === modelData.id
+                                    onClicked: modelData.id === "search" ? window.find() : (App.section = modelData.id)
+                                    Keys.onUpPressed: if (index > 0) rows.itemAt(index - 1).forceActiveFocus(Qt.BacktabFocusReason)
+                                    Keys.onDownPressed: if (index + 1 < rows.count) rows.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason)
+                                }
                             }
                         }
                     }
@@ -288,13 +301,17 @@ ApplicationWindow {
     Connections {
         target: FolderDialogs
         function onRequested(title, message, button, directory) {
-            folderDialog.get().ask(title, message, button, directory)
+            folderDialog.use(dialog => dialog.ask(title, message, button, directory))
         }
     }
 
     Component.onCompleted: visited = [App.section]
     onActiveFocusItemChanged: follow(activeFocusItem)
-    onCurrentChanged: follow(rows.itemAt(sections.indexOf(current)))
+    onCurrentChanged: {
+        follow(rows.itemAt(sections.indexOf(current)))
+        if (current.id !== "vault")
+            Vault.forgetWaiting()
+    }
     onClosing: Vault.windowClosed()
 
     OnDemand { source: "sheets/PlanSheet.qml"; isWanted: App.plans.proposedPlan.id !== undefined }
@@ -311,7 +328,7 @@ ApplicationWindow {
     Shortcut { sequences: [StandardKey.Find]; onActivated: window.find() }
     Shortcut { sequence: "Ctrl+,"; onActivated: App.section = "settings" }
     Shortcut { sequences: [StandardKey.Undo]; onActivated: Cleanup.undoLast() }
-    Shortcut { sequences: ["Ctrl+?", "F1"]; onActivated: shortcuts.get().open() }
+    Shortcut { sequences: ["Ctrl+?", "F1"]; onActivated: shortcuts.use(sheet => sheet.open()) }
     Shortcut { sequence: "F5"; onActivated: App.refresh() }
     Shortcut { sequence: "F9"; onActivated: sidebar.visible = !sidebar.visible }
     Shortcut { sequence: "Alt+Left"; onActivated: window.goBack() }

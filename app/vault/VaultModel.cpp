@@ -191,6 +191,7 @@ void VaultModel::addFiles(const QStringList& paths) {
 }
 
 void VaultModel::forgetWaiting() {
+    if (waiting_.empty()) return;
     waiting_.clear();
     Q_EMIT changed();
 }

@@ -92,9 +92,9 @@ bool showsFile(const QQuickItem* item) {
     return std::any_of(children.begin(), children.end(), showsFile);
 }
 
+/// As a real one it comes when the main thread looks for events, not right after its last work.
 void press(QQuickWindow& window, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    QKeyEvent down(QEvent::KeyPress, key, modifiers);
-    QCoreApplication::sendEvent(&window, &down);
+    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, key, modifiers));
 }
 
 void scroll(QQuickWindow& window, int pages) {

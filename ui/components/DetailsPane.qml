@@ -14,7 +14,6 @@ OnDemand {
     SplitView.preferredWidth: 300
     SplitView.minimumWidth: 220
     visible: isWanted
-    asynchronous: true
     active: beside.count > 0
     isWanted: hasRoom && beside.shownPath !== ""
     sourceComponent: FileDetails {

@@ -68,7 +68,7 @@ FocusScope {
             if (!isChosen(pathAt(row)))
                 choose(row, Qt.NoModifier)
             list.currentIndex = row
-            menu.get().popup()
+            menu.use(menu => menu.popup())
         } else {
             choose(row, modifiers)
         }
@@ -209,7 +209,7 @@ FocusScope {
                 return
             case Qt.Key_F2:
                 if (table.currentPath)
-                    renameSheet.get().ask(table.currentPath)
+                    renameSheet.use(sheet => sheet.ask(table.currentPath))
                 return
             case Qt.Key_Delete:
                 if (App.selection.selectedIDs.length > 0)
@@ -237,7 +237,7 @@ FocusScope {
                 if (event.modifiers & Qt.ControlModifier)
                     table.choose(index, event.modifiers)
                 else
-                    preview.get().open()
+                    preview.use(sheet => sheet.open())
             }
         }
     }
@@ -303,8 +303,8 @@ FocusScope {
         sourceComponent: FileMenu {
             parent: table
             path: table.currentPath
-            onRenameRequested: path => renameSheet.get().ask(path)
-            onPreviewRequested: preview.get().open()
+            onRenameRequested: path => renameSheet.use(sheet => sheet.ask(path))
+            onPreviewRequested: preview.use(sheet => sheet.open())
         }
     }
     OnDemand {
@@ -320,8 +320,10 @@ FocusScope {
     function showMenu() {
         if (!list.currentItem)
             return
-        menu.get().popup(list.currentItem, 40, rowHeight)
-        menu.item.currentIndex = 0
+        menu.use(menu => {
+            menu.popup(list.currentItem, 40, rowHeight)
+            menu.currentIndex = 0
+        })
     }
     Keys.onMenuPressed: showMenu()
     Shortcut {

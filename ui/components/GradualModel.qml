@@ -1,30 +1,26 @@
 import QtQuick
+import Tovi.Models
 
-/// Lets a repeater make a few of its items with every frame of the window, for all at once would
-/// keep it waiting.
+/// Lets a repeater make its items in short steps, for all at once would keep the window waiting.
 DelegateModel {
     id: gradual
 
-    required property var window
-    readonly property bool isWhole: made.count === items.count
+    readonly property bool isWhole: waiting.count === 0
+    /// Whether to make them later.
+    property bool isHeld: false
 
     filterOnGroup: "made"
-    groups: DelegateModelGroup {
-        id: made
-        name: "made"
-    }
-    items.onChanged: if (!isWhole && window) window.update()
-
-    property Connections frames: Connections {
-        target: gradual.window
-        enabled: !gradual.isWhole
-        function onFrameSwapped() {
-            for (let row = 0, left = 6; row < gradual.items.count && left > 0; ++row) {
-                if (gradual.items.get(row).inMade)
-                    continue
-                gradual.items.addGroups(row, 1, "made")
-                --left
-            }
+    groups: [
+        DelegateModelGroup { name: "made" },
+        DelegateModelGroup {
+            id: waiting
+            name: "waiting"
+            includeByDefault: true
         }
+    ]
+
+    property StepwiseWork work: StepwiseWork {
+        isWanted: !gradual.isWhole && !gradual.isHeld
+        onStep: waiting.setGroups(0, 1, ["items", "made"])
     }
 }

@@ -7,8 +7,9 @@ import Tovi
 Item {
     id: drawing
 
-    required property var nodes
+    required property var model
     required property string currentPath
+    required property var kinds // of the lines
     required property var colorOf
 
     signal chosen(string path)
@@ -16,48 +17,50 @@ Item {
 
     readonly property double reachX: Math.max(0, width / 2 - (areNamed ? 70 : 24))
     readonly property double reachY: Math.max(0, height / 2 - 34)
-    readonly property bool isCrowded: nodes.count > 60
-    readonly property bool areNamed: nodes.count <= 26
+    readonly property bool isCrowded: model.count > 60
+    readonly property bool areNamed: model.count <= 26
+    property var hovered: null
+
+    function nodeAt(position) {
+        const child = childAt(position.x, position.y)
+        return child && child.path !== undefined ? child : null
+    }
 
     Accessible.ignored: true
+    onCurrentPathChanged: lines.draw()
+    onHoveredChanged: {
+        if (!hovered)
+            return ToolTip.hide()
+        hovered.ToolTip.delay = 300
+        hovered.ToolTip.show(hovered.tie === "" ? hovered.name : hovered.name + "\n" + hovered.tie)
+    }
 
-    Repeater {
-        model: GradualModel {
-            window: drawing.Window.window
-            model: made.isWhole ? drawing.nodes : null // between circles that are there
-            delegate: Rectangle {
-                required property int index
-                required property int parentRow
-                required property string path
-                required property string kind
-                readonly property Item from: made.isWhole ? circles.itemAt(parentRow) : null
-                readonly property Item to: made.isWhole ? circles.itemAt(index) : null
-                readonly property double dx: from && to ? to.centerX - from.centerX : 0
-                readonly property double dy: from && to ? to.centerY - from.centerY : 0
-                readonly property bool isCurrent: path === drawing.currentPath
-
-                x: from ? from.centerX : 0
-                y: from ? from.centerY - height / 2 : 0
-                width: Math.sqrt(dx * dx + dy * dy)
-                height: isCurrent ? 3 : 1.5
-                rotation: Math.atan2(dy, dx) * 180 / Math.PI
-                transformOrigin: Item.Left
-                antialiasing: true
-                color: drawing.colorOf(kind)
-                opacity: isCurrent ? 1 : kind === "folder" && drawing.isCrowded ? 0.2 : 0.4
-            }
+    OnDemand {
+        id: lines
+        anchors.fill: parent
+        visible: made.isWhole
+        isWanted: made.isWhole && nodes.count > 0
+        sourceComponent: GraphLines {
+            circles: nodes
+            kinds: drawing.kinds
+            colorOf: drawing.colorOf
+            isCrowded: drawing.isCrowded
         }
+        function draw() {
+            if (item && visible)
+                item.requestPaint()
+        }
+        onVisibleChanged: draw()
     }
     Repeater {
-        id: circles
+        id: nodes
         model: GradualModel {
             id: made
-            window: drawing.Window.window
-            model: drawing.nodes
+            model: drawing.model
             delegate: Item {
                 id: node
 
-                required property int index
+                required property int parentRow
                 required property string path
                 required property string name
                 required property string symbol
@@ -73,6 +76,8 @@ Item {
 
                 Behavior on centerX { NumberAnimation { duration: 2 * Theme.slow; easing.type: Easing.OutCubic } }
                 Behavior on centerY { NumberAnimation { duration: 2 * Theme.slow; easing.type: Easing.OutCubic } }
+                onCenterXChanged: lines.draw()
+                onCenterYChanged: lines.draw()
 
                 x: centerX - extent / 2
                 y: centerY - extent / 2
@@ -86,43 +91,50 @@ Item {
                     color: node.depth === 0 ? Theme.accent : Theme.surface
                     border.width: node.isCurrent ? 4 : 2
                     border.color: node.depth === 0 ? Theme.accent : drawing.colorOf(node.kind)
-                    AppIcon {
-                        anchors.centerIn: parent
-                        visible: node.extent > 20
-                        symbol: node.symbol
-                        extent: node.extent / 2
-                        color: node.depth === 0 ? Theme.accentInk : Theme.text
-                    }
                 }
-                Rectangle {
+                AppIcon {
+                    anchors.centerIn: parent
+                    visible: node.extent > 20
+                    symbol: node.symbol
+                    extent: node.extent / 2
+                    color: node.depth === 0 ? Theme.accentInk : Theme.text
+                }
+                Loader {
                     anchors.top: parent.bottom
                     anchors.topMargin: 3
                     anchors.horizontalCenter: parent.horizontalCenter
-                    visible: node.depth === 0 || node.isCurrent || drawing.areNamed
-                    width: label.width + 8
-                    height: label.height
-                    radius: 4
-                    color: Qt.alpha(Theme.surface, 0.85)
-                    AppText {
-                        id: label
-                        anchors.centerIn: parent
-                        width: Math.min(implicitWidth, node.isCurrent || node.depth === 0 ? 240 : Math.min(130, drawing.width / 4))
-                        text: node.name
-                        elide: Text.ElideMiddle
-                        font.pixelSize: Theme.caption
-                        isStrong: node.depth === 0 || node.isCurrent
-                        Accessible.ignored: true
+                    active: node.depth === 0 || node.isCurrent || drawing.areNamed
+                    sourceComponent: Rectangle {
+                        width: label.width + 8
+                        height: label.height
+                        radius: 4
+                        color: Qt.alpha(Theme.surface, 0.85)
+                        AppText {
+                            id: label
+                            anchors.centerIn: parent
+                            width: Math.min(implicitWidth, node.isCurrent || node.depth === 0 ? 240 : Math.min(130, drawing.width / 4))
+                            text: node.name
+                            elide: Text.ElideMiddle
+                            font.pixelSize: Theme.caption
+                            isStrong: node.depth === 0 || node.isCurrent
+                            Accessible.ignored: true
+                        }
                     }
                 }
-                HoverHandler { id: hover }
-                TapHandler {
-                    onTapped: drawing.chosen(node.path)
-                    onDoubleTapped: drawing.activated(node.path)
-                }
-                ToolTip.visible: hover.hovered
-                ToolTip.delay: 300
-                ToolTip.text: node.tie === "" ? node.name : node.name + "\n" + node.tie
             }
+        }
+    }
+    HoverHandler { onPointChanged: drawing.hovered = hovered ? drawing.nodeAt(point.position) : null }
+    TapHandler {
+        onTapped: point => {
+            const node = drawing.nodeAt(point.position)
+            if (node)
+                drawing.chosen(node.path)
+        }
+        onDoubleTapped: point => {
+            const node = drawing.nodeAt(point.position)
+            if (node)
+                drawing.activated(node.path)
         }
     }
 }

@@ -1,7 +1,7 @@
 import QtQuick
 
 /// Shows one screen at a time. The next one is made in short steps, during which the one before it
-/// stays.
+/// stays, and is drawn before that one is taken apart.
 FocusScope {
     id: stage
 
@@ -26,8 +26,14 @@ FocusScope {
     function load() {
         if (next.status === Loader.Loading || shown.screen === screen)
             return
+        next.screen = ""
         next.asynchronous = item !== null
         next.screen = screen
+    }
+    Timer {
+        id: quiet
+        interval: 300
+        onTriggered: if (stage.isSettled) stage.next.screen = ""
     }
     onScreenChanged: load()
     Component.onCompleted: load()
@@ -38,12 +44,11 @@ FocusScope {
         visible: stage.shown === this
         source: screen ? "../" + screen : ""
         onLoaded: {
-            const last = stage.shown
             stage.loaded(item)
             stage.shown = this
             focus = true
             item.focus = true
-            last.screen = ""
+            quiet.restart()
             stage.load()
         }
     }

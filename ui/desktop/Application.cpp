@@ -81,6 +81,7 @@ Application::Application(const Options& options, FileOpener& opener)
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Cleanup", &cleanup_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Vault", &vault_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "VaultDialogs", &vaultDialogs_);
+    qmlRegisterType<StepwiseWork>("Tovi.Models", 1, 0, "StepwiseWork");
     QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &vault_,
                      [this](Qt::ApplicationState state) {
                          vault_.setApplicationActive(state == Qt::ApplicationActive);
@@ -110,6 +111,8 @@ void Application::followWindow(QQmlIncubator::Status status) {
     }
     if (status != QQmlIncubator::Ready) return;
     window_.reset(qobject_cast<QQuickWindow*>(windowIncubator_.object()));
+    QObject::connect(window_.get(), &QQuickWindow::frameSwapped, window_.get(),
+                     [this] { garbage_.frameDrawn(); });
     // In a turn of its own, for it lays out and draws the whole window.
     QMetaObject::invokeMethod(
         window_.get(),

@@ -113,8 +113,9 @@ FocusScope {
                 GraphDrawing {
                     anchors.fill: parent
                     anchors.margins: 12
-                    nodes: Graph.nodes
+                    model: Graph.nodes
                     currentPath: screen.currentPath
+                    kinds: screen.kinds.map(known => known.kind)
                     colorOf: screen.colorOf
                     onChosen: path => {
                         screen.currentPath = path

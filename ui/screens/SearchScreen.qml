@@ -21,9 +21,8 @@ FocusScope {
     }
 
     function ask() {
-        passages.active = true
         isAsking = true
-        passages.item.begin()
+        passages.use(page => page.begin())
     }
 
     Timer {
@@ -40,7 +39,7 @@ FocusScope {
         ScreenHeader {
             Layout.fillWidth: true
             title: screen.title
-            subtitle: screen.isAsking ? passages.item.summary : !screen.hasAnswer ? ""
+            subtitle: screen.isAsking ? (passages.item ? passages.item.summary : "") : !screen.hasAnswer ? ""
                 : qsTr("%1 in %2 ms").arg(
                     (App.search.hasMoreSearchResults ? qsTr("more than ") : "")
                     + Format.counted(screen.found.count, qsTr("result"), qsTr("results")))

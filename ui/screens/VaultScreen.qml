@@ -10,7 +10,6 @@ FocusScope {
     readonly property string phase: ["loading", "notCreated", "locked", "unlocked", "unavailable"][Vault.phase]
 
     Component.onCompleted: Vault.load()
-    Component.onDestruction: Vault.forgetWaiting()
 
     AppText {
         anchors.centerIn: parent

@@ -111,7 +111,6 @@ Sheet {
                 anchors.margins: 20
                 visible: !keys.showsPicture
                 rowHeight: 120
-                step: 1
                 spacing: 5 // as between the lines
                 boundsBehavior: Flickable.StopAtBounds
                 clip: true
