@@ -10,6 +10,7 @@ void SelectionModel::setSelectedIDs(const QStringList& paths) {
     unique.removeDuplicates();
     if (unique == selectedIDs_) return;
     selectedIDs_ = unique;
+    selected_ = QSet<QString>(unique.begin(), unique.end());
     Q_EMIT changed();
 }
 
@@ -32,13 +33,19 @@ std::vector<std::string> SelectionModel::paths() const {
 }
 
 void SelectionModel::toggle(const QString& path) {
-    if (selectedIDs_.removeAll(path) == 0) selectedIDs_.append(path);
+    if (selected_.remove(path)) {
+        selectedIDs_.removeOne(path);
+    } else {
+        selectedIDs_.append(path);
+        selected_.insert(path);
+    }
     Q_EMIT changed();
 }
 
 void SelectionModel::clear() {
     if (selectedIDs_.isEmpty() && !selectedFile_) return;
     selectedIDs_.clear();
+    selected_.clear();
     selectedFile_.reset();
     Q_EMIT changed();
 }

@@ -3,6 +3,7 @@
 #include "core/records/FileRecord.h"
 
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 #include <QVariantMap>
 #include <optional>
@@ -14,6 +15,7 @@ namespace tovi {
 class SelectionModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QStringList selectedIDs READ selectedIDs WRITE setSelectedIDs NOTIFY changed)
+    Q_PROPERTY(int count READ count NOTIFY changed)
     Q_PROPERTY(QVariantMap selectedFile READ selectedFileValues NOTIFY changed)
 
   public:
@@ -22,6 +24,8 @@ class SelectionModel : public QObject {
     /// Paths in the order they were selected, each once.
     QStringList selectedIDs() const { return selectedIDs_; }
     void setSelectedIDs(const QStringList& paths);
+    int count() const { return static_cast<int>(selectedIDs_.size()); }
+    Q_INVOKABLE bool contains(const QString& path) const { return selected_.contains(path); }
 
     const std::optional<FileRecord>& selectedFile() const { return selectedFile_; }
     QVariantMap selectedFileValues() const;
@@ -38,6 +42,7 @@ class SelectionModel : public QObject {
 
   private:
     QStringList selectedIDs_;
+    QSet<QString> selected_; // the same
     std::optional<FileRecord> selectedFile_;
 };
 

@@ -97,9 +97,15 @@ void press(QQuickWindow& window, int key, Qt::KeyboardModifiers modifiers = Qt::
     QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, key, modifiers));
 }
 
-void scroll(QQuickWindow& window, int pages) {
+void scroll(AppModel& model, QQuickWindow& window, int pages) {
+    const RowListModel& files = *model.library()->files();
+    const auto isAtEnd = [&] {
+        return model.selection()->selectedIDs().contains(
+            files.value(files.rowCount() - 1, QStringLiteral("path")).toString());
+    };
     std::vector<double> frames;
     for (int page = 0; page < pages; ++page) {
+        waitFor([&] { return !isAtEnd(); }); // until more are loaded
         bool isDrawn = false;
         const auto drawn = QObject::connect(&window, &QQuickWindow::frameSwapped, &window,
                                             [&] { isDrawn = true; });
@@ -132,6 +138,11 @@ void useAll(AppModel& model, QQuickWindow& window, bench::LongestTurn& turns) {
     keys("  rename", Qt::Key_F2);
     keys("  commands", Qt::Key_K, Qt::ControlModifier);
     keys("  shortcuts", Qt::Key_F1);
+    measure("  folder dialog", [&] { model.folders()->presentFolderPicker(); });
+    press(window, Qt::Key_Escape);
+    settle();
+    measure("  all that is listed chosen", [&] { press(window, Qt::Key_A, Qt::ControlModifier); });
+    keys("  plan for all that is listed", Qt::Key_Delete); // where the files of the index are there
     for (const char* theme : {"midnight", "minimal"}) {
         QQmlExpression choose(qmlContext(&window), &window,
                               QStringLiteral("Theme.choice = '%1'").arg(QLatin1String(theme)));
@@ -190,7 +201,7 @@ void run(const std::string& dataDirectory) {
     press(window, Qt::Key_Down);
     settle();
     print("longest turn when a file is chosen", turns.take());
-    scroll(window, 100);
+    scroll(model, window, 100);
     print("longest turn while scrolling", turns.take());
     fmt::print("{:44} {:8} MB\n", "memory after it", ownMegabytes());
     useAll(model, window, turns);

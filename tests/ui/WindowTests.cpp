@@ -152,10 +152,14 @@ class Window : public testing::Test {
     void connectFolder(const std::string& folder) {
         tabTo(QStringLiteral("Add folder"));
         key(Qt::Key_Space);
-        QObject* dialog = window()->findChild<QObject*>(QStringLiteral("folder-dialog"));
-        ASSERT_NE(dialog, nullptr);
-        dialog->setProperty("selectedFolder", QUrl::fromLocalFile(QString::fromStdString(folder)));
-        ASSERT_TRUE(QMetaObject::invokeMethod(dialog, "accept"));
+        const auto dialog = [&] {
+            return window()->findChild<QObject*>(QStringLiteral("folder-dialog"));
+        };
+        ASSERT_TRUE(
+            QTest::qWaitFor([&] { return dialog() && dialog()->property("visible").toBool(); }));
+        dialog()->setProperty("selectedFolder",
+                              QUrl::fromLocalFile(QString::fromStdString(folder)));
+        ASSERT_TRUE(QMetaObject::invokeMethod(dialog(), "accept"));
         ASSERT_TRUE(waitForFocus(QStringLiteral("Allow this folder")));
         key(Qt::Key_Return);
         ASSERT_TRUE(QTest::qWaitFor([&] { return model().folders()->roots().size() == 1; }));
@@ -343,6 +347,46 @@ TEST_F(Window, SortsPreviewsAndRenamesFiles) {
     key(Qt::Key_Tab);
     key(Qt::Key_Return);
     ASSERT_TRUE(waitForFocus(QStringLiteral("kept.txt"))) << "the same file under its new name";
+}
+
+TEST_F(Window, ShowsTheWholeRowThatTheKeysComeTo) {
+    constexpr int count = 200;
+    for (int at = 0; at < count; ++at)
+        files_.write("note " + std::to_string(at) + ".txt", "words");
+    open();
+    connectFolder(files_.path());
+    waitForFiles(count);
+    for (const char* section : {"files", "timeline"}) {
+        show(QString::fromLatin1(section));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("row 1 of 200")); }));
+        while (!focused().startsWith(QStringLiteral("note ")))
+            key(Qt::Key_Tab);
+        const auto isAtRow = [&](int row) {
+            const QQuickItem* item = window()->activeFocusItem();
+            if (item->property("index").toInt() != row) return false;
+            const QQuickItem* all = item->parentItem();
+            const QRectF place = item->mapRectToItem(all, item->boundingRect());
+            EXPECT_TRUE(place.isValid());
+            const auto covers = [&](const QQuickItem* other) {
+                return other != item && other->isVisible() &&
+                       other->mapRectToItem(all, other->boundingRect()).intersects(place);
+            };
+            const QList<QQuickItem*> others = all->childItems();
+            const QQuickItem* list = all->parentItem();
+            return list->boundingRect().contains(all->mapRectToItem(list, place)) &&
+                   std::none_of(others.begin(), others.end(), covers);
+        };
+        key(Qt::Key_End);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1); })) << section;
+        key(Qt::Key_PageUp);
+        const int page = count - 1 - window()->activeFocusItem()->property("index").toInt();
+        ASSERT_GT(page, 1);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1 - page); })) << section;
+        key(Qt::Key_PageUp);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1 - 2 * page); })) << section;
+        key(Qt::Key_Home);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(0); })) << section;
+    }
 }
 
 TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {

@@ -144,5 +144,4 @@ Item {
     }
     Drag.dragType: Drag.Automatic
     Drag.supportedActions: Qt.CopyAction
-    Drag.mimeData: isChosen ? { "text/uri-list": row.owner.addresses() } : ({})
 }

@@ -42,7 +42,7 @@ FocusScope {
         return files.value(row, "path") || ""
     }
     function isChosen(path) {
-        return App.selection.selectedIDs.indexOf(path) >= 0
+        return App.selection.count > 0 && App.selection.contains(path)
     }
     function choose(row, modifiers) {
         if (row < 0 || row >= list.count)
@@ -81,6 +81,7 @@ FocusScope {
             return
         if (!row.isChosen)
             choose(row.index, Qt.NoModifier)
+        row.Drag.mimeData = { "text/uri-list": addresses() }
         row.Drag.active = true
     }
     /// The chosen files as other programs take them.
@@ -169,7 +170,9 @@ FocusScope {
         keyNavigationEnabled: false
         currentIndex: -1
         section.property: table.sectionRole
-        section.labelPositioning: ViewSection.InlineLabels | ViewSection.CurrentLabelAtStart
+        labelHeight: table.sectionRole ? Theme.rowHeight : 0
+        section.labelPositioning: ViewSection.InlineLabels
+            | (table.sectionRole ? ViewSection.CurrentLabelAtStart : 0) // an empty one otherwise
         section.delegate: Rectangle {
             required property string section
             width: ListView.view.width

@@ -26,17 +26,17 @@ void ShortSteps::incubatingObjectCountChanged(int count) {
 }
 
 void ShortSteps::takeTurn() {
+    if (incubatingObjectCount() > 0) { // first, for the works may be parts of it
+        incubateFor(longestTurn);
+        return turn_.request();
+    }
     const QDeadlineTimer end(longestTurn);
     while (!works_.empty() && !end.hasExpired()) {
         std::rotate(works_.begin(), works_.begin() + 1, works_.end());
         Q_EMIT works_.back()->step();
     }
-    if (const auto left = end.remainingTime(); left > 0) incubateFor(static_cast<int>(left));
     // What was made is not to be drawn all at once either.
-    if (!works_.empty())
-        turn_.request(untilDrawn);
-    else if (incubatingObjectCount() > 0)
-        turn_.request();
+    if (!works_.empty()) turn_.request(untilDrawn);
 }
 
 StepwiseWork::~StepwiseWork() {

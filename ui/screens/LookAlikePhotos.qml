@@ -83,6 +83,7 @@ FocusScope {
             focus: true
             clip: true
             spacing: 12
+            highlightMoveDuration: 0
             model: LookAlikes.groups
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: ScrollBar {}

@@ -68,6 +68,7 @@ Sheet {
             Layout.fillWidth: true
             Layout.preferredHeight: Math.min(contentHeight, 8 * Theme.rowHeight)
             clip: true
+            highlightMoveDuration: 0
             model: sheet.matching
             boundsBehavior: Flickable.StopAtBounds
             Accessible.role: Accessible.List
