@@ -290,7 +290,8 @@ FocusScope {
             const row = table.files.rowOf(soughtPath)
             if (row < 0 && !areAnew)
                 return
-            list.forceLayout()
+            if (row >= 0)
+                list.forceLayout()
             list.currentIndex = row
             if (row < 0)
                 App.selection.clear()

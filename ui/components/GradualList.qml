@@ -17,9 +17,9 @@ ListView {
     cacheBuffer: 0
     // The list's own way to follow the keys moves 400 pixels a second.
     highlightFollowsCurrentItem: false
-    onCurrentItemChanged: Qt.callLater(showCurrent)
+    onCurrentItemChanged: if (currentItem) Qt.callLater(showCurrent)
     function showCurrent() {
-        if (currentIndex < 0)
+        if (!currentItem || currentIndex >= count)
             return
         positionViewAtIndex(currentIndex, ListView.Contain)
         if (currentItem.y < contentY + labelHeight)
@@ -30,7 +30,8 @@ ListView {
         isWanted: list.displayMarginEnd < 0 && list.count > 0
         onStep: {
             ++list.room
-            list.forceLayout()
+            if (list.count > 0) // of what is about to be emptied nothing is made
+                list.forceLayout()
         }
     }
 }

@@ -111,8 +111,6 @@ void Application::followWindow(QQmlIncubator::Status status) {
     }
     if (status != QQmlIncubator::Ready) return;
     window_.reset(qobject_cast<QQuickWindow*>(windowIncubator_.object()));
-    QObject::connect(window_.get(), &QQuickWindow::frameSwapped, window_.get(),
-                     [this] { garbage_.frameDrawn(); });
     // In a turn of its own, for it lays out and draws the whole window.
     QMetaObject::invokeMethod(
         window_.get(),

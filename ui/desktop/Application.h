@@ -5,7 +5,6 @@
 #include "app/vault/SessionLock.h"
 #include "ui/desktop/DesktopIntegration.h"
 #include "ui/desktop/DesktopPorts.h"
-#include "ui/desktop/GarbageTurns.h"
 #include "ui/desktop/ScreenModels.h"
 #include "ui/desktop/ShortSteps.h"
 #include "ui/desktop/VaultDialogs.h"
@@ -62,7 +61,6 @@ class Application {
     SessionLock sessionLock_;
     ShortSteps steps_;
     QQmlEngine engine_;
-    GarbageTurns garbage_{engine_};
     DesktopIntegration integration_;
     WindowIncubator windowIncubator_{*this};
     std::unique_ptr<QQuickWindow> window_;

@@ -49,15 +49,13 @@ FocusScope {
                 onClicked: App.library.libraryKind = ""
             }
             Repeater {
-                model: GradualModel {
-                    model: screen.summary.kinds || []
-                    delegate: FilterButton {
-                        required property var modelData
-                        text: modelData.title + "  " + Format.count(modelData.count)
-                        symbol: modelData.symbol
-                        isCurrent: App.library.libraryKind === modelData.kind
-                        onClicked: App.library.libraryKind = modelData.kind
-                    }
+                model: screen.summary.kinds || []
+                FilterButton {
+                    required property var modelData
+                    text: modelData.title + "  " + Format.count(modelData.count)
+                    symbol: modelData.symbol
+                    isCurrent: App.library.libraryKind === modelData.kind
+                    onClicked: App.library.libraryKind = modelData.kind
                 }
             }
         }
