@@ -44,16 +44,25 @@ ApplicationWindow {
         content.finish()
         content.item.begin()
     }
-    /// Scrolls so that what has the keyboard is seen.
+    /// Scrolls so that what has the keyboard is seen, a control of a list's row with all of the row.
     function follow(item) {
-        for (let at = item ? item.parent : null; at; at = at.parent) {
-            if (!(at instanceof Flickable))
+        for (let at = item; at && at.parent; at = at.parent) {
+            const view = at.parent.parent
+            if (!(view instanceof Flickable) || view.contentItem !== at.parent)
                 continue
-            const top = item.mapToItem(at.contentItem, 0, 0).y
-            if (top < at.contentY)
-                at.contentY = Math.max(at.originY, top - 16)
-            else if (top + item.height > at.contentY + at.height && item.height < at.height)
-                at.contentY = Math.min(top + item.height + 16, at.contentHeight + at.originY) - at.height
+            let shown = item
+            if (view instanceof GradualList) {
+                if (at === item)
+                    return // shown by the list
+                if (at.height < view.height)
+                    shown = at
+            }
+            const margin = 32 // Tab leads to the next row, which is made where it is seen
+            const top = shown.mapToItem(view.contentItem, 0, 0).y
+            if (top < view.contentY)
+                view.contentY = Math.max(view.originY, top - margin)
+            else if (top + shown.height > view.contentY + view.height && shown.height < view.height)
+                view.contentY = Math.min(top + shown.height + margin, view.contentHeight + view.originY) - view.height
             return
         }
     }
@@ -320,6 +329,7 @@ ApplicationWindow {
     OnDemand { id: shortcuts; source: "sheets/ShortcutsSheet.qml" }
     OnDemand {
         source: "sheets/CommandPalette.qml"
+        asynchronous: false // for someone who types on
         isWanted: App.showCommandPalette
         onLoaded: item.commands = Qt.binding(() => window.commands)
     }

@@ -24,8 +24,6 @@ QStringList& warnings() {
 }
 
 void noteWarning(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    // Qt says so of a list that is emptied while its first row is made, and does no harm.
-    if (text == QStringLiteral("DelegateModel::cancel: index out range 0 0")) return;
     if (type != QtDebugMsg && type != QtInfoMsg) warnings().append(text);
 }
 
@@ -354,41 +352,82 @@ TEST_F(Window, SortsPreviewsAndRenamesFiles) {
 TEST_F(Window, ShowsTheWholeRowThatTheKeysComeTo) {
     constexpr int count = 200;
     for (int at = 0; at < count; ++at)
-        files_.write("note " + std::to_string(at) + ".txt", "words");
+        files_.write("note " + std::to_string(at) + ".txt",
+                     std::string(1, static_cast<char>('a' + at % 20)));
     open();
     connectFolder(files_.path());
     waitForFiles(count);
-    for (const char* section : {"files", "timeline"}) {
-        show(QString::fromLatin1(section));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("row 1 of 200")); }));
-        while (!focused().startsWith(QStringLiteral("note ")))
-            key(Qt::Key_Tab);
-        const auto isAtRow = [&](int row) {
-            const QQuickItem* item = window()->activeFocusItem();
-            if (item->property("index").toInt() != row) return false;
-            const QQuickItem* all = item->parentItem();
-            const QRectF place = item->mapRectToItem(all, item->boundingRect());
-            EXPECT_TRUE(place.isValid());
-            const auto covers = [&](const QQuickItem* other) {
-                return other != item && other->isVisible() &&
-                       other->mapRectToItem(all, other->boundingRect()).intersects(place);
-            };
-            const QList<QQuickItem*> others = all->childItems();
-            const QQuickItem* list = all->parentItem();
-            return list->boundingRect().contains(all->mapRectToItem(list, place)) &&
-                   std::none_of(others.begin(), others.end(), covers);
+    const auto isAtRow = [&](int row) {
+        const QQuickItem* item = window()->activeFocusItem();
+        while (item->parentItem() && !item->property("index").isValid())
+            item = item->parentItem();
+        if (item->property("index") != row) return false;
+        const QQuickItem* all = item->parentItem();
+        const QRectF place = item->mapRectToItem(all, item->boundingRect());
+        EXPECT_TRUE(place.isValid());
+        QQuickItem* list = all->parentItem();
+        const auto covers = [&](const QQuickItem* other) {
+            QQuickItem* shown = nullptr; // others wait to be used again
+            QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, shown),
+                                      Q_ARG(int, other->property("index").toInt()));
+            return other != item && other == shown &&
+                   other->mapRectToItem(all, other->boundingRect()).intersects(place);
         };
+        const QList<QQuickItem*> others = all->childItems();
+        return list->boundingRect().contains(all->mapRectToItem(list, place)) &&
+               std::none_of(others.begin(), others.end(), covers);
+    };
+    const auto checkKeys = [&] {
+        while (!window()->activeFocusItem()->property("index").isValid() ||
+               !focused().contains(QStringLiteral("note ")))
+            key(Qt::Key_Tab);
         key(Qt::Key_End);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1); })) << section;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1); }));
         key(Qt::Key_PageUp);
         const int page = count - 1 - window()->activeFocusItem()->property("index").toInt();
         ASSERT_GT(page, 1);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1 - page); })) << section;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1 - page); }));
         key(Qt::Key_PageUp);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1 - 2 * page); })) << section;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(count - 1 - 2 * page); }));
         key(Qt::Key_Home);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(0); })) << section;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(0); }));
+    };
+    for (const char* section : {"timeline", "files"}) {
+        SCOPED_TRACE(section);
+        show(QString::fromLatin1(section));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isTold(QStringLiteral("row 1 of 200")); }));
+        checkKeys();
     }
+    {
+        SCOPED_TRACE("a plan");
+        key(Qt::Key_A, Qt::ControlModifier);
+        key(Qt::Key_Delete);
+        ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+        checkKeys();
+        key(Qt::Key_Escape);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !model().plans()->proposedPlan(); }));
+    }
+    SCOPED_TRACE("groups of the same files");
+    show(QStringLiteral("duplicates"));
+    model().duplicates()->findDuplicates();
+    const auto waitForRow = [&](int row) {
+        return waitUntilTold(QStringLiteral("row %1 of 20").arg(row + 1));
+    };
+    ASSERT_TRUE(waitForRow(0));
+    tabTo(QStringLiteral("Review all…"));
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focused(), QStringLiteral("10 copies, 9 bytes reclaimable"));
+    for (int row = 0; row < 20; ++row) {
+        key(Qt::Key_Tab);
+        ASSERT_EQ(focused(), QStringLiteral("Review 10 copies, 9 bytes reclaimable")) << row;
+        ASSERT_TRUE(waitForRow(std::min(row + 1, 19)));
+    }
+    key(Qt::Key_Up);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(18); }));
+    key(Qt::Key_Home);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(0); }));
+    key(Qt::Key_Backtab);
+    EXPECT_EQ(focused(), QStringLiteral("Review all…"));
 }
 
 TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {
@@ -405,7 +444,7 @@ TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {
     type(QStringLiteral("when is the rent due"));
     key(Qt::Key_Return);
     ASSERT_TRUE(waitUntilTold(QStringLiteral("1 passage from your files")));
-    EXPECT_TRUE(isTold(QStringLiteral("Rent is due on the first.")));
+    EXPECT_TRUE(waitUntilTold(QStringLiteral("Rent is due on the first.")));
     checkScreen(QStringLiteral("ask"));
 }
 

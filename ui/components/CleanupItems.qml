@@ -66,7 +66,6 @@ FocusScope {
                 reuseItems: true
                 model: items.rows
                 boundsBehavior: Flickable.StopAtBounds
-                currentIndex: 0
                 ScrollBar.vertical: ScrollBar {}
                 Accessible.role: Accessible.List
                 Accessible.name: items.categories.value(items.row, "title") || ""

@@ -168,7 +168,6 @@ FocusScope {
         reuseItems: true
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
-        currentIndex: -1
         section.property: table.sectionRole
         labelHeight: table.sectionRole ? Theme.rowHeight : 0
         section.labelPositioning: ViewSection.InlineLabels
@@ -290,8 +289,7 @@ FocusScope {
             const row = table.files.rowOf(soughtPath)
             if (row < 0 && !areAnew)
                 return
-            if (row >= 0)
-                list.forceLayout()
+            list.forceLayout()
             list.currentIndex = row
             if (row < 0)
                 App.selection.clear()

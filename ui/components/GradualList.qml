@@ -2,7 +2,8 @@ import QtQuick
 import Tovi
 import Tovi.Models
 
-/// A list that makes its rows in short steps, for all at once would keep the window waiting.
+/// A list that makes its rows in short steps, for all at once would keep the window waiting. They have
+/// an `index`.
 ListView {
     id: list
 
@@ -13,25 +14,53 @@ ListView {
     /// How many it may show so far.
     property int room: 0
 
-    displayMarginEnd: Math.min(0, room * rowHeight - height)
-    cacheBuffer: 0
-    // The list's own way to follow the keys moves 400 pixels a second.
-    highlightFollowsCurrentItem: false
-    onCurrentItemChanged: if (currentItem) Qt.callLater(showCurrent)
     function showCurrent() {
-        if (!currentItem || currentIndex >= count)
-            return
+        if (!currentItem || currentIndex >= count || room === 0)
+            return // without rows it would be led astray
         positionViewAtIndex(currentIndex, ListView.Contain)
         if (currentItem.y < contentY + labelHeight)
             contentY = Math.max(originY, currentItem.y - labelHeight)
+    }
+    function enter(row) {
+        currentIndex = row
+        currentItem?.forceActiveFocus(Qt.TabFocusReason)
+    }
+    /// The row that has the keyboard, itself or a control in it.
+    function rowAtKeyboard() {
+        for (let at = Window.activeFocusItem; at; at = at.parent) {
+            if (at.parent === contentItem)
+                return at.index
+        }
+        return currentIndex
+    }
+
+    // Without room not even the first row, which would be made as a part of what the list is in.
+    displayMarginEnd: room === 0 ? -height - 1 : Math.min(0, room * rowHeight - height)
+    cacheBuffer: 0
+    currentIndex: -1
+    // The list's own way to follow the keys moves 400 pixels a second.
+    highlightFollowsCurrentItem: false
+    onCurrentItemChanged: if (currentItem) Qt.callLater(showCurrent)
+    Keys.onPressed: event => {
+        const at = rowAtKeyboard()
+        const page = Math.max(1, Math.floor(height / (contentHeight / count)) - 1)
+        const rows = { [Qt.Key_Up]: at - 1, [Qt.Key_Down]: at + 1, [Qt.Key_PageUp]: at - page,
+                       [Qt.Key_PageDown]: at + page, [Qt.Key_Home]: 0, [Qt.Key_End]: count - 1 }
+        if (!keyNavigationEnabled || count === 0 || !(event.key in rows))
+            return
+        event.accepted = true
+        enter(Math.max(0, Math.min(count - 1, rows[event.key])))
     }
 
     property StepwiseWork work: StepwiseWork {
         isWanted: list.displayMarginEnd < 0 && list.count > 0
         onStep: {
             ++list.room
-            if (list.count > 0) // of what is about to be emptied nothing is made
-                list.forceLayout()
+            if (list.currentIndex < 0 && list.keyNavigationEnabled)
+                list.currentIndex = 0
+            list.forceLayout()
+            if (list.room === 1)
+                list.showCurrent()
         }
     }
 }

@@ -4,7 +4,7 @@ import Tovi
 import Tovi.Models
 
 /// A passage and the file it stands in.
-Card {
+ListRow {
     id: card
 
     required property string excerpt
@@ -16,12 +16,8 @@ Card {
     // A passage may begin and end within a sentence.
     readonly property string shown: (excerpt.charAt(0) === excerpt.charAt(0).toUpperCase() ? "" : "…")
         + excerpt.trim() + (/[.!?…"”。]\s*$/.test(excerpt) ? "" : "…")
-    property bool isFocused: false
 
     height: column.implicitHeight + 32
-    border.width: isFocused ? 2 : 1
-    border.color: isFocused ? Theme.accent : Theme.border
-    Accessible.role: Accessible.ListItem
     Accessible.name: name
     Accessible.description: shown + ", " + place
 

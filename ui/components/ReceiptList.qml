@@ -25,7 +25,7 @@ FocusScope {
         ScrollBar.vertical: ScrollBar {}
         Accessible.role: Accessible.List
         Accessible.name: receipts.title
-        delegate: Card {
+        delegate: ListRow {
             id: receipt
 
             required property int index
@@ -39,14 +39,12 @@ FocusScope {
             required property bool canUndo
             required property string error
 
-            width: ListView.view.width
-            height: content.implicitHeight + 24
-            Accessible.role: Accessible.ListItem
+            height: line.implicitHeight + 24
             Accessible.name: receipt.title
             Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(list.count)
 
             RowLayout {
-                id: content
+                id: line
                 anchors.left: parent.left
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter

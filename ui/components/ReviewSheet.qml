@@ -69,36 +69,42 @@ Sheet {
             }
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Files of the plan")
-            delegate: RowLayout {
+            delegate: ListRow {
+                id: row
+
                 required property var model
                 required property int index
-                width: ListView.view.width
+
                 height: 46
-                spacing: 12
-                Accessible.role: Accessible.ListItem
+                isCard: false
                 Accessible.name: model.path
                 Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(list.count)
-                AppIcon { symbol: sheet.symbol }
-                ColumnLayout {
-                    Layout.fillWidth: true
-                    spacing: 0
-                    AppText {
+                RowLayout {
+                    anchors.fill: parent
+                    anchors.leftMargin: 8
+                    anchors.rightMargin: 12
+                    spacing: 12
+                    AppIcon { symbol: sheet.symbol }
+                    ColumnLayout {
                         Layout.fillWidth: true
-                        text: Format.path(model.path)
-                        elide: Text.ElideMiddle
+                        spacing: 0
+                        AppText {
+                            Layout.fillWidth: true
+                            text: Format.path(row.model.path)
+                            elide: Text.ElideMiddle
+                        }
+                        AppText {
+                            Layout.fillWidth: true
+                            visible: text !== ""
+                            text: sheet.noteOf(row.model)
+                            isSecondary: true
+                            font.pixelSize: Theme.caption
+                        }
                     }
                     AppText {
-                        Layout.fillWidth: true
-                        visible: text !== ""
-                        text: sheet.noteOf(model)
+                        text: Format.size(row.model.size)
                         isSecondary: true
-                        font.pixelSize: Theme.caption
                     }
-                }
-                AppText {
-                    Layout.rightMargin: 12
-                    text: Format.size(model.size)
-                    isSecondary: true
                 }
             }
         }

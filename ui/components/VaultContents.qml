@@ -93,7 +93,7 @@ FocusScope {
                 ScrollBar.vertical: ScrollBar {}
                 Accessible.role: Accessible.List
                 Accessible.name: contents.title
-                delegate: RowLayout {
+                delegate: ListRow {
                     id: row
 
                     required property int index
@@ -102,37 +102,37 @@ FocusScope {
                     required property var size
                     required property var importedAt
 
-                    width: ListView.view.width
                     height: 44
-                    spacing: 12
-                    Accessible.role: Accessible.ListItem
+                    isCard: false
                     Accessible.name: name
                     Accessible.description: qsTr("%1, row %2 of %3").arg(Format.size(size)).arg(index + 1).arg(list.count)
-                    AppIcon {
-                        Layout.leftMargin: 12
-                        symbol: "lock"
-                    }
-                    AppText {
-                        Layout.fillWidth: true
-                        text: row.name
-                        elide: Text.ElideMiddle
-                    }
-                    AppText {
-                        text: Format.date(row.importedAt)
-                        isSecondary: true
-                    }
-                    AppText {
-                        Layout.preferredWidth: 80
-                        text: Format.size(row.size)
-                        horizontalAlignment: Text.AlignRight
-                        isSecondary: true
-                    }
-                    ActionButton {
-                        Layout.rightMargin: 8
-                        text: qsTr("Export…")
-                        Accessible.name: qsTr("Export %1").arg(row.name)
-                        enabled: !Vault.isBusy
-                        onClicked: Vault.exportItem(row.id)
+                    RowLayout {
+                        anchors.fill: parent
+                        anchors.leftMargin: 12
+                        anchors.rightMargin: 8
+                        spacing: 12
+                        AppIcon { symbol: "lock" }
+                        AppText {
+                            Layout.fillWidth: true
+                            text: row.name
+                            elide: Text.ElideMiddle
+                        }
+                        AppText {
+                            text: Format.date(row.importedAt)
+                            isSecondary: true
+                        }
+                        AppText {
+                            Layout.preferredWidth: 80
+                            text: Format.size(row.size)
+                            horizontalAlignment: Text.AlignRight
+                            isSecondary: true
+                        }
+                        ActionButton {
+                            text: qsTr("Export…")
+                            Accessible.name: qsTr("Export %1").arg(row.name)
+                            enabled: !Vault.isBusy
+                            onClicked: Vault.exportItem(row.id)
+                        }
                     }
                 }
             }

@@ -50,25 +50,20 @@ FocusScope {
             Layout.fillWidth: true
             Layout.fillHeight: true
             visible: count > 0
-            activeFocusOnTab: true
             clip: true
             spacing: 12
             model: Evidence.passages
-            currentIndex: -1
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: ScrollBar {}
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Passages")
-            onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = 0
             Keys.onReturnPressed: event => {
                 if (currentItem)
                     event.modifiers & Qt.ControlModifier ? App.reveal(currentItem.path) : App.open(currentItem.path)
             }
             delegate: PassageCard {
                 required property int index
-                width: ListView.view.width
                 question: Evidence.question
-                isFocused: ListView.isCurrentItem && list.activeFocus
                 place: qsTr("row %1 of %2").arg(index + 1).arg(list.count)
             }
         }

@@ -73,17 +73,10 @@ FocusScope {
                         detail: ""
                         isCurrent: screen.isLatest
                         onClicked: Downloads.selectedGroup = ""
-                        Keys.onDownPressed: groups.focusRow(0)
+                        Keys.onDownPressed: groups.enter(0)
                     }
                     GradualList {
                         id: groups
-
-                        function focusRow(row) {
-                            currentIndex = row
-                            if (currentItem)
-                                currentItem.forceActiveFocus(Qt.TabFocusReason)
-                        }
-
                         Layout.fillWidth: true
                         Layout.fillHeight: true
                         clip: true
@@ -111,9 +104,11 @@ FocusScope {
                                 groups.currentIndex = index
                                 Downloads.selectedGroup = id
                             }
-                            Keys.onDownPressed: groups.focusRow(Math.min(index + 1, groups.count - 1))
-                            Keys.onUpPressed: index > 0 ? groups.focusRow(index - 1)
-                                                        : latest.forceActiveFocus(Qt.BacktabFocusReason)
+                            Keys.onUpPressed: event => {
+                                event.accepted = index === 0
+                                if (event.accepted)
+                                    latest.forceActiveFocus(Qt.BacktabFocusReason)
+                            }
                         }
                     }
                 }

@@ -67,7 +67,7 @@ FocusScope {
             ScrollBar.vertical: ScrollBar {}
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Groups of the same files")
-            delegate: Card {
+            delegate: ListRow {
                 id: group
 
                 required property int index
@@ -79,9 +79,7 @@ FocusScope {
                 readonly property string heading: qsTr("%1, %2 reclaimable")
                     .arg(Format.counted(count, qsTr("copy"), qsTr("copies"))).arg(Format.size(reclaimableBytes))
 
-                width: ListView.view.width
                 height: column.implicitHeight + 32
-                Accessible.role: Accessible.ListItem
                 Accessible.name: heading
                 Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(App.duplicates.groupCount)
 

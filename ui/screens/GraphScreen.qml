@@ -143,12 +143,10 @@ FocusScope {
                     activeFocusOnTab: true
                     clip: true
                     model: Graph.nodes
-                    currentIndex: -1
                     boundsBehavior: Flickable.StopAtBounds
                     ScrollBar.vertical: ScrollBar {}
                     Accessible.role: Accessible.List
                     Accessible.name: qsTr("Connected files")
-                    onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = 0
                     onCurrentItemChanged: if (currentItem && activeFocus) screen.currentPath = currentItem.path
                     Keys.onReturnPressed: event => {
                         if (event.modifiers & Qt.ControlModifier)

@@ -75,7 +75,7 @@ FocusScope {
                 onClicked: App.plans.proposePhotoTrash(screen.marked)
             }
         }
-        ListView {
+        GradualList {
             id: groups
             Layout.fillWidth: true
             Layout.fillHeight: true
@@ -83,13 +83,13 @@ FocusScope {
             focus: true
             clip: true
             spacing: 12
-            highlightMoveDuration: 0
+            rowHeight: 420
             model: LookAlikes.groups
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: ScrollBar {}
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Groups of look-alike photos")
-            delegate: Card {
+            delegate: ListRow {
                 id: group
 
                 required property int index
@@ -102,9 +102,7 @@ FocusScope {
                 readonly property string heading: qsTr("%1, up to %2 reclaimable")
                     .arg(Format.counted(count, qsTr("photo"), qsTr("photos"))).arg(Format.size(potentialBytes))
 
-                width: ListView.view.width
                 height: column.implicitHeight + 32
-                Accessible.role: Accessible.ListItem
                 Accessible.name: heading
                 Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(groups.count)
 

@@ -119,11 +119,6 @@ FocusScope {
                     Accessible.role: Accessible.List
                     Accessible.name: qsTr("Periods")
 
-                    function focusRow(row) {
-                        currentIndex = Math.max(0, Math.min(count - 1, row))
-                        currentItem.forceActiveFocus(Qt.TabFocusReason)
-                    }
-
                     delegate: PeriodRow {
                         required property int index
                         required property string id
@@ -143,8 +138,6 @@ FocusScope {
                             periods.currentIndex = index
                             Timeline.jumpTo(new Date(end.getTime() - 1))
                         }
-                        Keys.onDownPressed: periods.focusRow(index + 1)
-                        Keys.onUpPressed: periods.focusRow(index - 1)
                     }
                 }
             }
