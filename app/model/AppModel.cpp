@@ -75,6 +75,10 @@ void AppModel::connectParts() {
                 spaces_.moveFiles(fromQt(from), fromQt(to));
                 std::replace(removals_.begin(), removals_.end(), fromQt(from), fromQt(to));
             });
+    connect(&plans_, &PlansModel::fileRenamed, this,
+            [this](const QString& from, const QString& to) {
+                spaces_.moveFiles(fromQt(from), fromQt(to));
+            });
     connect(&folders_, &FoldersModel::rootReturned, &scan_, [this] {
         if (options_.automaticallyScan) scan_.filesDidChange();
     });

@@ -248,6 +248,10 @@ void PlansModel::executionEnded(const Outcome<ActionReceipt>& outcome) {
         const ActionReceipt& receipt = *outcome.value;
         context_.notices.setStatus(receipt.title);
         if (receipt.error) context_.notices.setError(*receipt.error);
+        for (const ActionEntry& entry : receipt.entries) {
+            if (entry.operation == FileOperation::rename)
+                Q_EMIT fileRenamed(toQt(entry.originalPath), toQt(entry.currentPath));
+        }
         Q_EMIT executed(toQt(receipt.id.string()));
         if (!receipt.entries.empty()) Q_EMIT filesMoved();
     } else if (!outcome.isCancelled) {
@@ -275,6 +279,10 @@ void PlansModel::undo(const QString& receipt) {
             Q_EMIT planChanged();
             if (outcome) {
                 context_.notices.setStatus("Taken back: " + outcome.value->title);
+                for (const ActionEntry& entry : outcome.value->entries) {
+                    if (entry.operation == FileOperation::rename)
+                        Q_EMIT fileRenamed(toQt(entry.currentPath), toQt(entry.originalPath));
+                }
                 Q_EMIT undone();
             } else {
                 context_.notices.setError(outcome.error);

@@ -73,6 +73,7 @@ class PlansModel : public QObject {
 
   Q_SIGNALS:
     void planChanged();
+    void fileRenamed(const QString& from, const QString& to);
     void filesMoved(); // the index follows the files already; a scan would find the rest
     void executed(const QString& receipt);
     void undone(); // the status says what

@@ -4,22 +4,16 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace tovi {
 namespace {
 
-QStringList toQt(const std::vector<std::string>& texts) {
-    QStringList list;
-    for (const std::string& text : texts)
-        list.append(tovi::toQt(text));
-    return list;
-}
-
 void addNew(std::vector<std::string>& paths, const QStringList& more) {
-    for (const QString& path : more) {
-        if (std::find(paths.begin(), paths.end(), fromQt(path)) == paths.end()) {
-            paths.push_back(fromQt(path));
-        }
+    std::unordered_set<std::string> known(paths.begin(), paths.end());
+    for (const QString& each : more) {
+        std::string path = fromQt(each);
+        if (known.insert(path).second) paths.push_back(std::move(path));
     }
 }
 
@@ -28,14 +22,13 @@ void addNew(std::vector<std::string>& paths, const QStringList& more) {
 SpacesModel::SpacesModel(ModelContext& context)
     : context_(context),
       list_([](const ProjectSpace& space) { return space.id.string(); },
-            {{"id", [](const ProjectSpace& space) { return tovi::toQt(space.id.string()); }},
-             {"name", [](const ProjectSpace& space) { return tovi::toQt(space.name); }},
-             {"paths", [](const ProjectSpace& space) { return toQt(space.paths); }},
+            {{"id", [](const ProjectSpace& space) { return toQt(space.id.string()); }},
+             {"name", [](const ProjectSpace& space) { return toQt(space.name); }},
              {"count",
               [](const ProjectSpace& space) { return static_cast<int>(space.paths.size()); }}}) {}
 
 QString SpacesModel::recentlyDeletedName() const {
-    return recentlyDeletedSpace_ ? tovi::toQt(recentlyDeletedSpace_->name) : QString();
+    return recentlyDeletedSpace_ ? toQt(recentlyDeletedSpace_->name) : QString();
 }
 
 void SpacesModel::replace(std::vector<ProjectSpace> spaces) {
@@ -55,6 +48,11 @@ bool SpacesModel::change(const QString& id, Change change) {
     return true;
 }
 
+std::vector<std::string> SpacesModel::filesOf(const QString& id) const {
+    const int row = list_.rowOf(id);
+    return row < 0 ? std::vector<std::string>() : spaces()[static_cast<std::size_t>(row)].paths;
+}
+
 QString SpacesModel::createSpace(const QString& name, const QStringList& paths) {
     ProjectSpace space{Uuid::random(), std::string(trimmed(fromQt(name))), {}};
     if (space.name.empty() || !context_.isLoaded) return {};
@@ -62,7 +60,7 @@ QString SpacesModel::createSpace(const QString& name, const QStringList& paths) 
     std::vector<ProjectSpace> spaces = list_.rows();
     spaces.push_back(space);
     replace(std::move(spaces));
-    return tovi::toQt(space.id.string());
+    return toQt(space.id.string());
 }
 
 bool SpacesModel::renameSpace(const QString& id, const QString& name) {
@@ -77,8 +75,10 @@ bool SpacesModel::addToSpace(const QString& id, const QStringList& paths) {
 
 bool SpacesModel::removeFromSpace(const QString& id, const QStringList& paths) {
     return change(id, [&](std::vector<ProjectSpace>&, auto space) {
-        std::erase_if(space->paths,
-                      [&](const std::string& path) { return paths.contains(tovi::toQt(path)); });
+        std::unordered_set<std::string> gone;
+        for (const QString& path : paths)
+            gone.insert(fromQt(path));
+        std::erase_if(space->paths, [&](const std::string& path) { return gone.contains(path); });
     });
 }
 

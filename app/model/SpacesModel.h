@@ -21,7 +21,7 @@ class SpacesModel : public QObject {
 
     explicit SpacesModel(ModelContext& context);
 
-    /// Roles: id, name, paths, count.
+    /// Roles: id, name, count.
     RowListModel* list() { return &list_; }
     const std::vector<ProjectSpace>& spaces() const { return list_.rows(); }
     int spacesRevision() const { return spacesRevision_; }
@@ -30,6 +30,9 @@ class SpacesModel : public QObject {
     }
     QString recentlyDeletedName() const;
     bool showsDeletedSpaceNotice() const { return showsDeletedSpaceNotice_; }
+
+    /// The paths of a project's files; none for an unknown one.
+    std::vector<std::string> filesOf(const QString& id) const;
 
     /// The id of the new project; empty for a blank name, which makes none.
     Q_INVOKABLE QString createSpace(const QString& name, const QStringList& paths = {});
@@ -44,7 +47,8 @@ class SpacesModel : public QObject {
     void restore(const Preferences& preferences);
     void storeIn(Preferences& preferences) const;
 
-    /// A connected folder has a new path: the files of projects below it have too.
+    /// A file or a connected folder has a new path: it, or the files below it, stay in their
+    /// projects.
     void moveFiles(const std::string& from, const std::string& to);
 
   Q_SIGNALS:

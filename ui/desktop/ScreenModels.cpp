@@ -72,11 +72,14 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
       graph_(executor_, [this] { return groupsOf(model_); }),
       preview_(executor_),
       excerpts_(executor_),
+      spaceFiles_(executor_, [this](const QString& id) { return model_.spaces()->filesOf(id); }),
       lookAlikes_(executor_, scannerOf(runtime)),
       installed_(executor_, languageFolder(), [&runtime](const std::stop_token& stop) {
           return describe(runtime.decoders().confinement(stop));
       }) {
     connect(&model_, &AppModel::loaded, this, &ScreenModels::followIndex);
+    connect(model_.spaces(), &SpacesModel::changed, &spaceFiles_, &SpaceFilesModel::refresh);
+    connect(&model_, &AppModel::libraryFilesChanged, &spaceFiles_, &SpaceFilesModel::refresh);
     connect(model_.plans(), &PlansModel::filesMoved, this, [this] {
         if (lookAlikes_.hasReport()) compareAgain();
     });
@@ -98,6 +101,7 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
     offer("Graph", &graph_);
     offer("Preview", &preview_);
     offer("Excerpts", &excerpts_);
+    offer("SpaceFiles", &spaceFiles_);
     offer("LookAlikes", &lookAlikes_);
     offer("Installed", &installed_);
 }
@@ -112,6 +116,7 @@ void ScreenModels::followIndex() {
     graph_.setIndex(reader);
     preview_.setIndex(reader);
     excerpts_.setIndex(reader);
+    spaceFiles_.setIndex(reader);
     Q_EMIT indexChanged();
 }
 

@@ -6,6 +6,7 @@
 #include "app/library/ExcerptsModel.h"
 #include "app/library/GraphModel.h"
 #include "app/library/PreviewModel.h"
+#include "app/library/SpaceFilesModel.h"
 #include "app/library/TimelineModel.h"
 #include "app/model/AppModel.h"
 #include "app/photos/SimilarPhotosModel.h"
@@ -14,8 +15,8 @@
 namespace tovi {
 
 /// The models of single screens, beside the running state whose index they follow. QML knows them
-/// as Downloads, Evidence, Timeline, Graph, Preview, Excerpts, LookAlikes and Installed, and this
-/// as Screens.
+/// as Downloads, Evidence, Timeline, Graph, Preview, Excerpts, SpaceFiles, LookAlikes and
+/// Installed, and this as Screens.
 class ScreenModels : public QObject {
     Q_OBJECT
 
@@ -44,6 +45,7 @@ class ScreenModels : public QObject {
     GraphModel graph_;
     PreviewModel preview_;
     ExcerptsModel excerpts_;
+    SpaceFilesModel spaceFiles_;
     SimilarPhotosModel lookAlikes_;
     InstalledModel installed_;
     SharedIndex index_;

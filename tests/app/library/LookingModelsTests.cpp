@@ -1,6 +1,7 @@
 #include "app/library/ExcerptsModel.h"
 #include "app/library/GraphModel.h"
 #include "app/library/PreviewModel.h"
+#include "app/library/SpaceFilesModel.h"
 #include "app/library/TimelineModel.h"
 #include "app/lists/QtConversions.h"
 #include "tests/support/ManualExecutor.h"
@@ -77,6 +78,28 @@ TEST_F(LookingModelsTest, TimelineGroupsByPeriodAndJumps) {
     model.jumpTo({});
     model.setIndex(nullptr); // what was under way no longer counts
     executor.settle();
+    EXPECT_EQ(model.files()->count(), 0);
+}
+
+TEST_F(LookingModelsTest, SpaceFilesTellsWhatTheIndexDoesNotKnow) {
+    std::map<QString, std::vector<std::string>> spaces{
+        {toQt("trip"), {"/r/B 10", "/gone", "/r/b 9"}}, {toQt("tax"), {"/r/c"}}};
+    for (const char* path : {"/r/B 10", "/r/b 9", "/r/c"})
+        add(path, 0);
+    SpaceFilesModel model(executor, [&](const QString& id) { return spaces[id]; });
+    model.setIndex(index);
+    model.setSpace(toQt("tax"));
+    model.setSpace(toQt("trip"));
+    executor.settle();
+    EXPECT_THAT(values(model.files(), "name"), ElementsAre("b 9", "B 10"));
+    EXPECT_EQ(model.absent(), QStringList(toQt("/gone")));
+    spaces[toQt("trip")] = {"/gone", "/r/c"};
+    model.refresh();
+    executor.settle();
+    EXPECT_THAT(values(model.files(), "name"), ElementsAre("c"));
+    model.setSpace(toQt("unknown"));
+    executor.settle();
+    EXPECT_TRUE(model.hasLoaded() && model.absent().isEmpty());
     EXPECT_EQ(model.files()->count(), 0);
 }
 

@@ -87,7 +87,9 @@ TEST_F(PlansTest, ExecutesWhatWasReviewedAndTakesItBack) {
     EXPECT_TRUE(plans().receipts().front().undone);
 }
 
-TEST_F(PlansTest, FollowsARenameInTheIndexAtOnce) {
+TEST_F(PlansTest, FollowsARenameInTheIndexAndInProjectsAtOnce) {
+    const auto& spaces = model->spaces()->spaces();
+    model->spaces()->createSpace(QStringLiteral("Mine"), {at("a.txt")});
     instruct("rename selected to d.md", {at("a.txt")});
     model->scan()->pauseIndexing();
     confirm();
@@ -95,6 +97,10 @@ TEST_F(PlansTest, FollowsARenameInTheIndexAtOnce) {
     executor.settle();
     ASSERT_THAT(names(model->search()->records()), ElementsAre("d.md"));
     EXPECT_EQ(model->search()->records()[0].path, tree.path("d.md"));
+    EXPECT_THAT(spaces.front().paths, ElementsAre(tree.path("d.md")));
+    plans().undoLast();
+    executor.settle();
+    EXPECT_THAT(spaces.front().paths, ElementsAre(tree.path("a.txt")));
 }
 
 TEST_F(PlansTest, RefusesAPlanForAFolderThatWasDisconnected) {
