@@ -8,7 +8,7 @@
 namespace tovi {
 
 SpaceFilesModel::SpaceFilesModel(Executor& executor, Members members)
-    : executor_(executor), members_(std::move(members)) {}
+    : executor_(executor), membersOf_(std::move(members)) {}
 
 void SpaceFilesModel::setIndex(std::shared_ptr<IndexStore> index) {
     generation_.cancel();
@@ -24,11 +24,17 @@ void SpaceFilesModel::setSpace(const QString& id) {
     refresh();
 }
 
+int SpaceFilesModel::countOutside(const QStringList& paths) const {
+    return static_cast<int>(std::count_if(paths.begin(), paths.end(), [this](const QString& path) {
+        return !members_.contains(fromQt(path));
+    }));
+}
+
 void SpaceFilesModel::refresh() {
     if (!index_) return;
     runLatest(
         executor_, this, generation_,
-        [index = index_, paths = members_(space_)](const std::stop_token& stop) mutable {
+        [index = index_, paths = membersOf_(space_)](const std::stop_token& stop) mutable {
             std::sort(paths.begin(), paths.end());
             Loaded loaded;
             loaded.files = index->records(paths, stop); // in their order
@@ -40,6 +46,7 @@ void SpaceFilesModel::refresh() {
                     loaded.absent.append(toQt(path));
             }
             sortFiles(loaded.files, LibraryOrder::name);
+            loaded.members.insert(paths.begin(), paths.end());
             return loaded;
         },
         [this](Outcome<Loaded> outcome) {
@@ -48,6 +55,7 @@ void SpaceFilesModel::refresh() {
 }
 
 void SpaceFilesModel::show(Loaded loaded, bool hasLoaded) {
+    members_ = std::move(loaded.members);
     files_.replace(std::move(loaded.files));
     absent_ = std::move(loaded.absent);
     hasLoaded_ = hasLoaded;

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <unordered_set>
 
 namespace tovi {
 
@@ -36,6 +37,8 @@ class SpaceFilesModel : public QObject {
     /// The paths that the index does not know, sorted.
     const QStringList& absent() const { return absent_; }
     bool hasLoaded() const { return hasLoaded_; }
+    /// How many of these paths do not belong to the project.
+    Q_INVOKABLE int countOutside(const QStringList& paths) const;
 
     /// Reads anew what is shown, as after a change of the project or the library.
     Q_INVOKABLE void refresh();
@@ -46,6 +49,7 @@ class SpaceFilesModel : public QObject {
 
   private:
     struct Loaded {
+        std::unordered_set<std::string> members;
         std::vector<FileRecord> files;
         QStringList absent;
     };
@@ -53,9 +57,10 @@ class SpaceFilesModel : public QObject {
     void show(Loaded loaded, bool hasLoaded);
 
     Executor& executor_;
-    Members members_;
+    Members membersOf_;
     std::shared_ptr<IndexStore> index_;
     QString space_;
+    std::unordered_set<std::string> members_;
     RecordList files_;
     QStringList absent_;
     bool hasLoaded_ = false;

@@ -13,11 +13,15 @@ namespace {
 using Group = DuplicateGroups::value_type;
 
 constexpr std::size_t pageSize = 200;
+constexpr int mostFilesShown = 8; // of a group
 
-QVariantList valuesOf(const Group& group) {
-    QVariantList files;
-    for (const FileRecord& file : group->files)
-        files.append(toVariantMap(file));
+/// The one that stays and some others.
+QVariantList valuesOf(const Group& group, std::size_t stays) {
+    QVariantList files{toVariantMap(group->files[stays])};
+    for (const FileRecord& file : group->files) {
+        if (files.size() == mostFilesShown) break;
+        if (&file != &group->files[stays]) files.append(toVariantMap(file));
+    }
     return files;
 }
 
@@ -61,20 +65,18 @@ void DuplicateList::fetchMore(const QModelIndex& parent) {
 DuplicatesModel::DuplicatesModel(ModelContext& context, const platform::Availability& availability)
     : context_(context),
       availability_(availability),
-      list_({{"digest", [](const Group& group) { return toQt(digestOf(group)); }},
-             {"files", valuesOf},
-             {"count", [](const Group& group) { return static_cast<int>(group->files.size()); }},
-             {"size",
-              [](const Group& group) {
-                  return QVariant::fromValue<qint64>(group->files.front().size);
-              }},
-             {"reclaimableBytes",
-              [](const Group& group) {
-                  return QVariant::fromValue<qint64>(group->reclaimableBytes);
-              }},
-             {"stays", [this](const Group& group) {
-                  return toQt(group->files[keptBy(keep_, group->files)].path);
-              }}}) {}
+      list_({
+          {"digest", [](const Group& group) { return toQt(digestOf(group)); }},
+          {"files",
+           [this](const Group& group) { return valuesOf(group, keptBy(keep_, group->files)); }},
+          {"count", [](const Group& group) { return static_cast<int>(group->files.size()); }},
+          {"size",
+           [](const Group& group) {
+               return QVariant::fromValue<qint64>(group->files.front().size);
+           }},
+          {"reclaimableBytes",
+           [](const Group& group) { return QVariant::fromValue<qint64>(group->reclaimableBytes); }},
+      }) {}
 
 QString DuplicatesModel::keep() const {
     return toQt(rawValue(keep_));

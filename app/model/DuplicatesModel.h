@@ -48,8 +48,8 @@ class DuplicatesModel : public QObject {
   public:
     DuplicatesModel(ModelContext& context, const platform::Availability& availability);
 
-    /// Those that free the most first. Roles: digest, files (list of the values of a file), count,
-    /// size, reclaimableBytes and stays (the path of the copy that stays).
+    /// Those that free the most first. Roles: digest, files (list of the values of a file: the
+    /// copy that stays and some others), count, size and reclaimableBytes.
     RowListModel* list() { return &list_; }
     const SharedGroups& groups() const { return list_.all(); }
     bool isFindingDuplicates() const { return isFindingDuplicates_; }

@@ -144,6 +144,22 @@ void SimilarPhotosModel::setStatus(const QString& status) {
     Q_EMIT changed();
 }
 
+bool SimilarPhotosModel::isSelected(const QString& id) const {
+    return selectedIDs_.contains(fromQt(id));
+}
+
+void SimilarPhotosModel::selectAllButKeeper(const QString& id) {
+    const int row = groups_.rowOf(id);
+    if (row < 0) return;
+    const SimilarPhotoGroup& group = groups_.rows()[static_cast<std::size_t>(row)];
+    const auto keeper = group.keeper();
+    if (!keeper) return;
+    for (const FileRecord& file : group.files)
+        selectedIDs_.insert(file.path);
+    selectedIDs_.erase(group.files[*keeper].path);
+    Q_EMIT selectionChanged();
+}
+
 void SimilarPhotosModel::toggle(const QString& id) {
     const std::string path = fromQt(id);
     if (selectedIDs_.erase(path) == 0) selectedIDs_.insert(path);

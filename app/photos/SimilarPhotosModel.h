@@ -20,6 +20,7 @@ class SimilarPhotosModel : public QObject {
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
     Q_PROPERTY(QString caution READ caution CONSTANT)
     Q_PROPERTY(QStringList selectedIDs READ selectedIDList NOTIFY selectionChanged)
+    Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
 
   public:
     /// Compares photos; called away from the main thread, may tell of progress from any thread,
@@ -48,6 +49,8 @@ class SimilarPhotosModel : public QObject {
 
     const std::set<std::string>& selectedIDs() const { return selectedIDs_; }
     QStringList selectedIDList() const;
+    int selectedCount() const { return static_cast<int>(selectedIDs_.size()); }
+    Q_INVOKABLE bool isSelected(const QString& id) const;
     /// The records of the marked photos, in the order of the groups.
     std::vector<FileRecord> selected() const;
 
@@ -57,6 +60,9 @@ class SimilarPhotosModel : public QObject {
                std::set<std::string> marked = {});
     Q_INVOKABLE void cancel();
     Q_INVOKABLE void toggle(const QString& id);
+    /// Marks all photos of the group but the one that deserves to stay; does nothing where none
+    /// does.
+    Q_INVOKABLE void selectAllButKeeper(const QString& group);
 
   Q_SIGNALS:
     void changed();

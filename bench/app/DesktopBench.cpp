@@ -1,4 +1,6 @@
-// How the window behaves on a large library: desktop DATA-DIRECTORY
+// How the window behaves on a large library: desktop DATA-DIRECTORY [DECODER]
+// With the decoder, also what is done with files that are there: some are moved to the Trash and
+// back.
 #include "bench/Stopwatch.h"
 #include "bench/app/LongestTurn.h"
 #include "ui/desktop/Application.h"
@@ -120,14 +122,30 @@ void scroll(AppModel& model, QQuickWindow& window, int pages) {
     print("a page further, worst", frames.back());
 }
 
-/// What else the user asks for, each for the first time, and the longest turn that it takes.
-void useAll(AppModel& model, QQuickWindow& window, bench::LongestTurn& turns) {
-    const auto measure = [&](const char* what, const auto& act) {
-        turns.take();
+/// Measures the longest turn of what the user asks for.
+class Measuring {
+  public:
+    explicit Measuring(bench::LongestTurn& turns) : turns_(turns) {}
+
+    template <typename Act>
+    void operator()(const std::string& what, const Act& act) const {
+        turns_.take();
         act();
         settle();
-        print(what, turns.take());
-    };
+        print(what.c_str(), turns_.take());
+    }
+
+  private:
+    bench::LongestTurn& turns_;
+};
+
+/// As written in the window's own file.
+QVariant evaluate(QQuickWindow& window, const QString& expression) {
+    return QQmlExpression(qmlContext(&window), &window, expression).evaluate();
+}
+
+/// What else the user asks for, each for the first time.
+void useAll(AppModel& model, QQuickWindow& window, const Measuring& measure) {
     const auto keys = [&](const char* what, int key, Qt::KeyboardModifiers modifiers = {}) {
         measure(what, [&] { press(window, key, modifiers); });
         press(window, Qt::Key_Escape);
@@ -144,16 +162,16 @@ void useAll(AppModel& model, QQuickWindow& window, bench::LongestTurn& turns) {
     measure("  all that is listed chosen", [&] { press(window, Qt::Key_A, Qt::ControlModifier); });
     keys("  plan for all that is listed", Qt::Key_Delete); // where the files of the index are there
     for (const char* theme : {"midnight", "minimal"}) {
-        QQmlExpression choose(qmlContext(&window), &window,
-                              QStringLiteral("Theme.choice = '%1'").arg(QLatin1String(theme)));
-        measure(fmt::format("  theme {}", theme).c_str(), [&] { choose.evaluate(); });
+        measure(fmt::format("  theme {}", theme), [&] {
+            evaluate(window, QStringLiteral("Theme.choice = '%1'").arg(QLatin1String(theme)));
+        });
     }
     const auto* stage = window.findChild<QObject*>(QStringLiteral("stage"));
     double slowest = 0;
     for (const char* section :
          {"overview", "search", "spaces", "timeline", "graph", "downloads", "duplicates", "storage",
           "activity", "settings", "models", "privacy", "vault", "files"}) {
-        measure(fmt::format("  {}", section).c_str(), [&] {
+        measure(fmt::format("  {}", section), [&] {
             const bench::Stopwatch stopwatch;
             model.setSection(QString::fromLatin1(section));
             waitFor([&] { return stage->property("isSettled").toBool(); });
@@ -164,17 +182,64 @@ void useAll(AppModel& model, QQuickWindow& window, bench::LongestTurn& turns) {
     model.setSection(QStringLiteral("search"));
     settle();
     for (const char* phrase : {"invoice", "pdfs over 5 mb"}) {
-        measure(fmt::format("  results of \"{}\"", phrase).c_str(),
+        measure(fmt::format("  results of \"{}\"", phrase),
                 [&] { model.search()->search(QString::fromLatin1(phrase)); });
     }
 }
 
-void run(const std::string& dataDirectory) {
+/// What is done with many files at once.
+void review(AppModel& model, QQuickWindow& window, const Measuring& measure) {
+    const auto show = [&](const char* section) { model.setSection(QString::fromLatin1(section)); };
+    const auto confirm = [&](const char* what) {
+        waitFor([&] { return model.plans()->proposedPlan().has_value(); });
+        settle();
+        measure(fmt::format("  {} moved", what), [&] {
+            model.plans()->confirmPlan(
+                QString::fromStdString(model.plans()->proposedPlan()->id.string()));
+        });
+        measure("  taken back", [&] { model.plans()->undoLast(); });
+    };
+    show("files");
+    settle();
+    press(window, Qt::Key_A, Qt::ControlModifier);
+    settle();
+    measure("  space of all that is listed", [&] {
+        show("spaces");
+        evaluate(window, QStringLiteral("SpaceFiles.space = App.spaces.createSpace('Many', "
+                                        "App.selection.selectedIDs)"));
+    });
+    show("duplicates");
+    measure("  duplicates found", [&] {
+        model.duplicates()->findDuplicates();
+        waitFor([&] { return !model.duplicates()->isFindingDuplicates(); });
+    });
+    measure("  plan for their copies", [&] { model.proposeDuplicateTrash({}); });
+    confirm("copies");
+    measure("  look-alikes found", [&] {
+        auto* tab = window.findChild<QObject*>(QStringLiteral("duplicates-look-alikes"));
+        QMetaObject::invokeMethod(tab, "clicked");
+        evaluate(window, QStringLiteral("Screens.findLookAlikes('')"));
+        waitFor([&] { return evaluate(window, QStringLiteral("LookAlikes.hasReport")).toBool(); });
+    });
+    measure("  all but one marked", [&] {
+        evaluate(window,
+                 QStringLiteral("LookAlikes.selectAllButKeeper(LookAlikes.groups.value(0, 'id'))"));
+    });
+    measure("  plan for the marked ones", [&] {
+        evaluate(window, QStringLiteral("App.plans.proposePhotoTrash(LookAlikes.selectedIDs)"));
+    });
+    confirm("photos");
+    show("storage");
+    settle();
+    measure("  activity", [&] { show("activity"); });
+}
+
+void run(const std::string& dataDirectory, const std::string& decoder) {
     bench::LongestTurn turns;
     NoOpener opener;
     Application application({.dataDirectory = dataDirectory,
                              .isDataDirectoryGiven = true,
-                             .decoderProgram = {},
+                             .decoderProgram = decoder,
                              .section = {}},
                             opener);
     waitFor([&] { return application.window() != nullptr; });
@@ -204,7 +269,9 @@ void run(const std::string& dataDirectory) {
     scroll(model, window, 100);
     print("longest turn while scrolling", turns.take());
     fmt::print("{:44} {:8} MB\n", "memory after it", ownMegabytes());
-    useAll(model, window, turns);
+    const Measuring measure(turns);
+    useAll(model, window, measure);
+    if (!decoder.empty()) review(model, window, measure);
 }
 
 } // namespace
@@ -214,9 +281,9 @@ int main(int argc, char** argv) {
     qputenv("QT_QUICK_BACKEND", "software");
     if (qEnvironmentVariableIsEmpty("DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    if (argc != 2) {
-        fmt::print(stderr, "usage: desktop DATA-DIRECTORY\n");
+    if (argc != 2 && argc != 3) {
+        fmt::print(stderr, "usage: desktop DATA-DIRECTORY [DECODER]\n");
         return 2;
     }
-    tovi::run(argv[1]);
+    tovi::run(argv[1], argc == 3 ? argv[2] : "");
 }

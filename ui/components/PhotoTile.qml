@@ -13,8 +13,6 @@ CheckDelegate {
 
     readonly property string measures: qsTr("%1 × %2").arg(photo.width).arg(photo.height)
 
-    implicitWidth: 208
-    implicitHeight: 292
     padding: 10
     topPadding: 40
     checkable: false // marked by the screen

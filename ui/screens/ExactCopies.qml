@@ -72,7 +72,6 @@ FocusScope {
 
                 required property int index
                 required property string digest
-                required property string stays
                 required property var files
                 required property int count
                 required property var reclaimableBytes
@@ -104,6 +103,7 @@ FocusScope {
                     Repeater {
                         model: group.files
                         RowLayout {
+                            required property int index
                             required property var modelData
                             Layout.fillWidth: true
                             spacing: 12
@@ -114,7 +114,7 @@ FocusScope {
                                 elide: Text.ElideMiddle
                             }
                             Chip {
-                                visible: modelData.path === group.stays
+                                visible: index === 0
                                 text: qsTr("Keep")
                                 symbol: "checkmark"
                             }
@@ -127,6 +127,11 @@ FocusScope {
                                 isSecondary: true
                             }
                         }
+                    }
+                    AppText {
+                        visible: group.count > group.files.length
+                        text: qsTr("and %1 more").arg(Format.count(group.count - group.files.length))
+                        isSecondary: true
                     }
                 }
             }

@@ -8,12 +8,13 @@ import Tovi.Models
 FocusScope {
     id: screen
 
-    readonly property var marked: LookAlikes.selectedIDs
     readonly property string summary: LookAlikes.status
     property string folder: ""
+    readonly property int tileWidth: 208
+    readonly property int tileHeight: 292
 
     function isMarked(path) {
-        return marked.indexOf(path) >= 0
+        return LookAlikes.selectedCount > 0 && LookAlikes.isSelected(path)
     }
     function check() {
         Screens.findLookAlikes(folder)
@@ -68,11 +69,11 @@ FocusScope {
             }
             ActionButton {
                 objectName: "look-alikes-review"
-                text: screen.marked.length === 0 ? qsTr("Review…")
-                    : qsTr("Review %1…").arg(Format.counted(screen.marked.length, qsTr("photo"), qsTr("photos")))
+                text: LookAlikes.selectedCount === 0 ? qsTr("Review…")
+                    : qsTr("Review %1…").arg(Format.counted(LookAlikes.selectedCount, qsTr("photo"), qsTr("photos")))
                 isPrimary: true
-                enabled: screen.marked.length > 0
-                onClicked: App.plans.proposePhotoTrash(screen.marked)
+                enabled: LookAlikes.selectedCount > 0
+                onClicked: App.plans.proposePhotoTrash(LookAlikes.selectedIDs)
             }
         }
         GradualList {
@@ -93,6 +94,7 @@ FocusScope {
                 id: group
 
                 required property int index
+                required property string id
                 required property var files
                 required property int count
                 required property int keeper
@@ -135,10 +137,7 @@ FocusScope {
                             visible: group.keeper >= 0
                             text: qsTr("Mark all but the kept one")
                             Accessible.description: group.heading
-                            onClicked: group.files.forEach((file, at) => {
-                                if (screen.isMarked(file.path) === (at === group.keeper))
-                                    LookAlikes.toggle(file.path)
-                            })
+                            onClicked: LookAlikes.selectAllButKeeper(group.id)
                         }
                         ActionButton {
                             text: qsTr("Compare…")
@@ -155,17 +154,23 @@ FocusScope {
                         isDismissable: false
                     }
                     Flow {
+                        readonly property int inARow: Math.max(1, Math.floor((width + spacing) / (screen.tileWidth + spacing)))
                         Layout.fillWidth: true
+                        Layout.preferredHeight: Math.ceil(group.count / inARow) * (screen.tileHeight + spacing) - spacing
                         spacing: 12
                         Repeater {
-                            model: group.files
-                            PhotoTile {
-                                required property var modelData
-                                required property int index
-                                photo: modelData
-                                isKeeper: index === group.keeper
-                                isMarked: screen.isMarked(modelData.path)
-                                onClicked: LookAlikes.toggle(modelData.path)
+                            model: GradualModel {
+                                model: group.files
+                                delegate: PhotoTile {
+                                    required property var modelData
+                                    required property int index
+                                    width: screen.tileWidth
+                                    height: screen.tileHeight
+                                    photo: modelData
+                                    isKeeper: index === group.keeper
+                                    isMarked: screen.isMarked(modelData.path)
+                                    onClicked: LookAlikes.toggle(modelData.path)
+                                }
                             }
                         }
                     }

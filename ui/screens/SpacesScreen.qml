@@ -13,8 +13,7 @@ FocusScope {
     readonly property int row: App.spaces.spacesRevision >= 0 ? spaces.rowOf(SpaceFiles.space) : -1
     readonly property string spaceName: row >= 0 && App.spaces.spacesRevision >= 0 ? spaces.value(row, "name") : ""
     readonly property var chosen: App.selection.selectedIDs
-    readonly property int chosenOutside: table.count >= 0
-        ? chosen.filter(path => SpaceFiles.files.rowOf(path) < 0).length : 0
+    property int chosenOutside: 0
 
     function counted(files) {
         return Format.counted(files, qsTr("file"), qsTr("files"))
@@ -41,7 +40,19 @@ FocusScope {
         App.spaces.renameSpace(SpaceFiles.space, name)
     }
 
-    Component.onCompleted: chooseAnother()
+    function countChosen() {
+        chosenOutside = SpaceFiles.countOutside(chosen)
+    }
+
+    Component.onCompleted: {
+        chooseAnother()
+        countChosen()
+    }
+    onChosenChanged: countChosen()
+    Connections {
+        target: SpaceFiles
+        function onChanged() { screen.countChosen() }
+    }
     onRowChanged: Qt.callLater(chooseAnother)
 
     ColumnLayout {

@@ -93,6 +93,7 @@ TEST_F(LookingModelsTest, SpaceFilesTellsWhatTheIndexDoesNotKnow) {
     executor.settle();
     EXPECT_THAT(values(model.files(), "name"), ElementsAre("b 9", "B 10"));
     EXPECT_EQ(model.absent(), QStringList(toQt("/gone")));
+    EXPECT_EQ(model.countOutside({toQt("/gone"), toQt("/r/c"), toQt("/r/b 9")}), 1);
     spaces[toQt("trip")] = {"/gone", "/r/c"};
     model.refresh();
     executor.settle();

@@ -153,7 +153,10 @@ TEST_F(PlansTest, CleansDuplicatesAndShowsThemAgainWhenTakenBack) {
     executor.settle();
     ASSERT_THAT(*duplicates.groups(), SizeIs(1));
     EXPECT_EQ(duplicates.reclaimableBytes(), 28);
-    const auto stays = [&] { return duplicates.list()->value(0, QStringLiteral("stays")); };
+    const auto stays = [&] {
+        const QVariantList files = duplicates.list()->value(0, QStringLiteral("files")).toList();
+        return files.front().toMap()[QStringLiteral("path")];
+    };
     for (const auto& [rule, name] : {std::pair{"oldest", "b.txt"}, {"shortest-path", "a.txt"}}) {
         duplicates.setKeep(QString::fromUtf8(rule));
         EXPECT_EQ(stays(), at(name)) << rule;

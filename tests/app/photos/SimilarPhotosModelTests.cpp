@@ -88,6 +88,10 @@ TEST_F(SimilarPhotosModelTest, ShowsProgressAndTheFinishedReport) {
     for (const FileRecord& file : model.selected())
         marked.push_back(file.path);
     EXPECT_THAT(marked, ElementsAre("/r/a", "/r/c"));
+    for (int row : {0, 1}) // only the first has one that stays: the first
+        model.selectAllButKeeper(model.groups()->value(row, toQt("id")).toString());
+    EXPECT_FALSE(model.isSelected(toQt("/r/a")));
+    EXPECT_TRUE(model.isSelected(toQt("/r/b")) && model.isSelected(toQt("/r/c")));
     start();
     EXPECT_THAT(model.selectedIDs(), IsEmpty());
     EXPECT_TRUE(model.report()) << "until the new one is there";
