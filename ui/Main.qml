@@ -27,14 +27,15 @@ ApplicationWindow {
         { id: "vault", text: qsTr("Vault"), symbol: "lock", screen: "screens/VaultScreen.qml" }
     ]
     readonly property var current: sections.find(section => section.id === App.section) || sections[1]
+    readonly property bool isPaused: App.scan.isPaused // which tells of every step of a scan
     readonly property var commands: sections.map(section => ({
         text: section.text, symbol: section.symbol, run: () => App.section = section.id
     })).concat([
         { text: qsTr("Add folder"), symbol: "folder.badge.plus", run: () => App.folders.presentFolderPicker() },
         { text: qsTr("Quick search"), symbol: "magnifyingglass", run: () => QuickPanel.present() },
         { text: qsTr("Scan again"), symbol: "arrow.clockwise", run: () => App.scan.rescan() },
-        { text: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
-          symbol: App.scan.isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
+        { text: isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing"),
+          symbol: isPaused ? "play" : "pause", run: () => App.scan.pauseIndexing() },
         { text: qsTr("Keys"), symbol: "list.bullet", run: () => shortcuts.use(sheet => sheet.open()) }
     ])
     property var visited: [] // the last is the current one
@@ -222,8 +223,8 @@ ApplicationWindow {
                         Accessible.role: Accessible.StatusBar
                     }
                     IconButton {
-                        symbol: App.scan.isPaused ? "play" : "pause"
-                        label: App.scan.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing")
+                        symbol: window.isPaused ? "play" : "pause"
+                        label: window.isPaused ? qsTr("Resume indexing") : qsTr("Pause indexing")
                         visible: App.folders.roots.count > 0
                         onClicked: App.scan.pauseIndexing()
                     }

@@ -20,16 +20,11 @@ QVariant bytesOf(std::int64_t size) {
     return QVariant::fromValue<qint64>(size);
 }
 
-QVariantList entriesOf(const CleanupReceipt& receipt) {
-    QVariantList entries;
-    for (const CleanupActionEntry& entry : receipt.entries) {
-        entries.append(QVariantMap{{QStringLiteral("originalPath"), toQt(entry.originalPath)},
-                                   {QStringLiteral("currentPath"), toQt(entry.currentPath)},
-                                   {QStringLiteral("size"), bytesOf(entry.size)},
-                                   {QStringLiteral("category"), toQt(rawValue(entry.category))},
-                                   {QStringLiteral("restored"), entry.restored}});
-    }
-    return entries;
+QStringList firstPathsOf(const CleanupReceipt& receipt) {
+    QStringList paths;
+    for (std::size_t at = 0; at < std::min<std::size_t>(receipt.entries.size(), 3); ++at)
+        paths.append(toQt(receipt.entries[at].originalPath));
+    return paths;
 }
 
 int restoredCount(const CleanupReceipt& receipt) {
@@ -100,7 +95,8 @@ CleanupModel::CleanupModel(AppModel& app, CleanupModelSystem system)
             [](const CleanupReceipt& receipt) { return static_cast<int>(receipt.entries.size()); }},
            {"restoredCount", restoredCount},
            {"bytes", [](const CleanupReceipt& receipt) { return bytesOf(totalBytes(receipt)); }},
-           {"entries", entriesOf},
+           {"firstPaths", firstPathsOf},
+           {"symbol", [](const CleanupReceipt&) { return QStringLiteral("trash"); }},
            {"undone", [](const CleanupReceipt& receipt) { return receipt.undone; }},
            {"canUndo", canUndo},
            {"error",

@@ -51,8 +51,8 @@ class CleanupModel : public QObject {
 
     CleanupCandidates* candidates() { return &candidates_; }
 
-    /// Receipts, newest first. Roles: id, title, date, count, restoredCount, bytes, entries (list
-    /// of originalPath, currentPath, size, category, restored), undone, canUndo, error.
+    /// Receipts, newest first. Roles: id, title, date, count, restoredCount, bytes, firstPaths
+    /// (where the first three files were), symbol, undone, canUndo, error.
     RowListModel* history() { return &history_; }
 
     bool hasReport() const { return report_.has_value(); }

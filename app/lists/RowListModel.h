@@ -17,6 +17,9 @@ class RowListModel : public QAbstractListModel {
     /// The value of a role, by its name, in a row; invalid where there is none.
     Q_INVOKABLE QVariant value(int row, const QString& role) const;
 
+    /// The texts of a role in the rows from `first` to `last`; of all there are without the two.
+    Q_INVOKABLE QStringList texts(const QString& role, int first = 0, int last = -1) const;
+
     /// The row of an identity, or -1. Takes time in proportion to the list.
     Q_INVOKABLE virtual int rowOf(const QString& identity) const = 0;
 

@@ -20,16 +20,17 @@ QVariant sizeOf(const FileSnapshot& snapshot) {
     return QVariant::fromValue(static_cast<qint64>(snapshot.size));
 }
 
-QVariantList entriesOf(const ActionReceipt& receipt) {
-    QVariantList entries;
-    for (const ActionEntry& entry : receipt.entries) {
-        entries.append(QVariantMap{{QStringLiteral("originalPath"), toQt(entry.originalPath)},
-                                   {QStringLiteral("currentPath"), toQt(entry.currentPath)},
-                                   {QStringLiteral("operation"), nameOf(entry.operation)},
-                                   {QStringLiteral("size"), sizeOf(entry.snapshot)},
-                                   {QStringLiteral("restored"), entry.restored}});
-    }
-    return entries;
+QStringList firstPathsOf(const ActionReceipt& receipt) {
+    QStringList paths;
+    for (std::size_t at = 0; at < std::min<std::size_t>(receipt.entries.size(), 3); ++at)
+        paths.append(toQt(receipt.entries[at].originalPath));
+    return paths;
+}
+
+QString symbolOf(const ActionReceipt& receipt) {
+    const bool isRename =
+        !receipt.entries.empty() && receipt.entries.front().operation == FileOperation::rename;
+    return isRename ? QStringLiteral("pencil") : QStringLiteral("trash");
 }
 
 int restoredCount(const ActionReceipt& receipt) {
@@ -68,7 +69,8 @@ PlansModel::PlansModel(ModelContext& context, const FoldersModel& folders)
            {"count",
             [](const ActionReceipt& receipt) { return static_cast<int>(receipt.entries.size()); }},
            {"restoredCount", restoredCount},
-           {"entries", entriesOf},
+           {"firstPaths", firstPathsOf},
+           {"symbol", symbolOf},
            {"undone", [](const ActionReceipt& receipt) { return receipt.undone; }},
            {"canUndo", canUndo},
            {"error",

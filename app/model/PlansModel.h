@@ -39,8 +39,8 @@ class PlansModel : public QObject {
     bool isPlanning() const { return isPlanning_; }
     bool isExecuting() const { return isExecuting_; }
 
-    /// Receipts, newest first. Roles: id, title, date, count, restoredCount, entries (list of
-    /// originalPath, currentPath, operation, size, restored), undone, canUndo, error.
+    /// Receipts, newest first. Roles: id, title, date, count, restoredCount, firstPaths (where
+    /// the first three files were), symbol, undone, canUndo, error.
     RowListModel* actions() { return &actions_; }
     const std::vector<ActionReceipt>& receipts() const { return actions_.rows(); }
 

@@ -49,10 +49,7 @@ FocusScope {
             return
         const path = pathAt(row)
         if (modifiers & Qt.ShiftModifier && anchorRow >= 0) {
-            const chosen = []
-            for (let at = Math.min(row, anchorRow); at <= Math.max(row, anchorRow); ++at)
-                chosen.push(pathAt(at))
-            App.selection.selectedIDs = chosen
+            App.selection.selectedIDs = files.texts("path", Math.min(row, anchorRow), Math.max(row, anchorRow))
         } else if (modifiers & Qt.ControlModifier) {
             App.selection.toggle(path)
             anchorRow = row
@@ -96,13 +93,9 @@ FocusScope {
             choose(row, modifiers & Qt.ShiftModifier)
     }
     function typeAhead(letter) {
-        for (let step = 1; step <= list.count; ++step) {
-            const row = (list.currentIndex + step) % list.count
-            if (String(files.value(row, "name")).toLowerCase().startsWith(letter)) {
-                choose(row, Qt.NoModifier)
-                return
-            }
-        }
+        const begins = files.texts("name").map(name => name.toLowerCase().startsWith(letter))
+        const next = begins.indexOf(true, list.currentIndex + 1)
+        choose(next >= 0 ? next : begins.indexOf(true), Qt.NoModifier)
     }
 
     Accessible.role: Accessible.Table
@@ -219,10 +212,7 @@ FocusScope {
                 return
             case Qt.Key_A:
                 if (event.modifiers & Qt.ControlModifier) {
-                    const all = []
-                    for (let row = 0; row < count; ++row)
-                        all.push(table.pathAt(row))
-                    App.selection.selectedIDs = all
+                    App.selection.selectedIDs = table.files.texts("path")
                     return
                 }
             }

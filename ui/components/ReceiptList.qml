@@ -32,7 +32,8 @@ FocusScope {
             required property string id
             required property string title
             required property var date
-            required property var entries
+            required property var firstPaths
+            required property string symbol
             required property int count
             required property int restoredCount
             required property bool undone
@@ -52,8 +53,7 @@ FocusScope {
                 spacing: 12
                 AppIcon {
                     Layout.alignment: Qt.AlignTop
-                    symbol: receipt.entries.length > 0 && receipt.entries[0].operation === "rename"
-                        ? "pencil" : "trash"
+                    symbol: receipt.symbol
                 }
                 ColumnLayout {
                     Layout.fillWidth: true
@@ -73,19 +73,19 @@ FocusScope {
                         isSecondary: true
                     }
                     Repeater {
-                        model: receipt.entries.slice(0, 3)
+                        model: receipt.firstPaths
                         AppText {
-                            required property var modelData
+                            required property string modelData
                             Layout.fillWidth: true
-                            text: Format.path(modelData.originalPath)
+                            text: Format.path(modelData)
                             elide: Text.ElideMiddle
                             isSecondary: true
                             font.pixelSize: Theme.caption
                         }
                     }
                     AppText {
-                        visible: receipt.entries.length > 3
-                        text: qsTr("and %1 more").arg(Format.count(receipt.entries.length - 3))
+                        visible: receipt.count > receipt.firstPaths.length
+                        text: qsTr("and %1 more").arg(Format.count(receipt.count - receipt.firstPaths.length))
                         isSecondary: true
                         font.pixelSize: Theme.caption
                     }

@@ -100,31 +100,39 @@ FocusScope {
                             onClicked: App.proposeDuplicateTrash(group.digest)
                         }
                     }
-                    Repeater {
-                        model: group.files
-                        RowLayout {
-                            required property int index
-                            required property var modelData
-                            Layout.fillWidth: true
-                            spacing: 12
-                            AppIcon { symbol: modelData.symbol }
-                            AppText {
-                                Layout.fillWidth: true
-                                text: Format.path(modelData.path)
-                                elide: Text.ElideMiddle
-                            }
-                            Chip {
-                                visible: index === 0
-                                text: qsTr("Keep")
-                                symbol: "checkmark"
-                            }
-                            AppText {
-                                Layout.preferredWidth: Math.max(96, implicitWidth)
-                                Layout.preferredHeight: 24
-                                text: Format.date(modelData.modifiedAt)
-                                horizontalAlignment: Text.AlignRight
-                                verticalAlignment: Text.AlignVCenter
-                                isSecondary: true
+                    Column {
+                        id: copies
+                        readonly property int lineHeight: 24
+                        Layout.fillWidth: true
+                        Layout.preferredHeight: group.files.length * (lineHeight + spacing) - spacing
+                        spacing: 8
+                        Repeater {
+                            model: GradualModel {
+                                model: group.files
+                                delegate: RowLayout {
+                                    required property int index
+                                    required property var modelData
+                                    width: copies.width
+                                    height: copies.lineHeight
+                                    spacing: 12
+                                    AppIcon { symbol: modelData.symbol }
+                                    AppText {
+                                        Layout.fillWidth: true
+                                        text: Format.path(modelData.path)
+                                        elide: Text.ElideMiddle
+                                    }
+                                    Chip {
+                                        visible: index === 0
+                                        text: qsTr("Keep")
+                                        symbol: "checkmark"
+                                    }
+                                    AppText {
+                                        Layout.preferredWidth: Math.max(96, implicitWidth)
+                                        text: Format.date(modelData.modifiedAt)
+                                        horizontalAlignment: Text.AlignRight
+                                        isSecondary: true
+                                    }
+                                }
                             }
                         }
                     }

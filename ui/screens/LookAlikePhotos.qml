@@ -12,6 +12,7 @@ FocusScope {
     property string folder: ""
     readonly property int tileWidth: 208
     readonly property int tileHeight: 292
+    readonly property int mostShown: 12 // of a group, before all are asked for
 
     function isMarked(path) {
         return LookAlikes.selectedCount > 0 && LookAlikes.isSelected(path)
@@ -100,6 +101,8 @@ FocusScope {
                 required property int keeper
                 required property string warning
                 required property var potentialBytes
+                property bool showsAll: false
+                readonly property var shown: showsAll ? files : files.slice(0, screen.mostShown)
                 readonly property bool isAllMarked: files.every(file => screen.isMarked(file.path))
                 readonly property string heading: qsTr("%1, up to %2 reclaimable")
                     .arg(Format.counted(count, qsTr("photo"), qsTr("photos"))).arg(Format.size(potentialBytes))
@@ -156,11 +159,11 @@ FocusScope {
                     Flow {
                         readonly property int inARow: Math.max(1, Math.floor((width + spacing) / (screen.tileWidth + spacing)))
                         Layout.fillWidth: true
-                        Layout.preferredHeight: Math.ceil(group.count / inARow) * (screen.tileHeight + spacing) - spacing
+                        Layout.preferredHeight: Math.ceil(group.shown.length / inARow) * (screen.tileHeight + spacing) - spacing
                         spacing: 12
                         Repeater {
                             model: GradualModel {
-                                model: group.files
+                                model: group.shown
                                 delegate: PhotoTile {
                                     required property var modelData
                                     required property int index
@@ -173,6 +176,12 @@ FocusScope {
                                 }
                             }
                         }
+                    }
+                    ActionButton {
+                        visible: group.shown.length < group.count
+                        text: qsTr("Show all %1").arg(Format.counted(group.count, qsTr("photo"), qsTr("photos")))
+                        Accessible.description: group.heading
+                        onClicked: group.showsAll = true
                     }
                 }
             }

@@ -63,12 +63,12 @@ Sheet {
             Keys.onUpPressed: list.decrementCurrentIndex()
             Keys.onDownPressed: list.incrementCurrentIndex()
         }
-        ListView {
+        GradualList {
             id: list
             Layout.fillWidth: true
-            Layout.preferredHeight: Math.min(contentHeight, 8 * Theme.rowHeight)
+            Layout.preferredHeight: Math.min(count, 8) * Theme.rowHeight
             clip: true
-            highlightMoveDuration: 0
+            keyNavigationEnabled: false
             model: sheet.matching
             boundsBehavior: Flickable.StopAtBounds
             Accessible.role: Accessible.List

@@ -59,7 +59,7 @@ Sheet {
             id: keys
             Layout.fillWidth: true
             Layout.fillHeight: true
-            readonly property var passages: Preview.path === sheet.path ? Preview.passages : []
+            readonly property var passages: sheet.visible && Preview.path === sheet.path ? Preview.passages : []
             readonly property bool showsPicture: picture.isDrawable && !picture.hasFailed || passages.length === 0
             function turn(pages) {
                 text.contentY += pages * (text.height - Theme.rowHeight)
