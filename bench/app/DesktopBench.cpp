@@ -279,6 +279,7 @@ void run(const std::string& dataDirectory, const std::string& decoder) {
 
 int main(int argc, char** argv) {
     qputenv("QT_QUICK_BACKEND", "software");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"); // nothing of this desktop
     if (qEnvironmentVariableIsEmpty("DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     if (argc != 2 && argc != 3) {

@@ -81,11 +81,14 @@ Application::Application(const Options& options, FileOpener& opener)
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Cleanup", &cleanup_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "Vault", &vault_);
     qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "VaultDialogs", &vaultDialogs_);
+    qmlRegisterSingletonInstance("Tovi.Models", 1, 0, "SystemFolderDialog", &folderDialog_);
     qmlRegisterType<StepwiseWork>("Tovi.Models", 1, 0, "StepwiseWork");
     QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &vault_,
                      [this](Qt::ApplicationState state) {
                          vault_.setApplicationActive(state == Qt::ApplicationActive);
                      });
+    QObject::connect(&folderDialog_, &SystemFolderDialog::failed, &integration_,
+                     &DesktopIntegration::showError);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     engine_.addImageProvider(QStringLiteral("preview"),
                              new PreviewImages(runtime_.decoders(), runtime_.availability()));

@@ -8,6 +8,7 @@
 #include "ui/desktop/ScreenModels.h"
 #include "ui/desktop/ShortSteps.h"
 #include "ui/desktop/VaultDialogs.h"
+#include "ui/session/SystemFolderDialog.h"
 
 #include <QQmlEngine>
 #include <QQmlIncubator>
@@ -53,6 +54,7 @@ class Application {
     WindowFolderPicker folderPicker_;
     SystemClipboard clipboard_;
     VaultDialogs vaultDialogs_;
+    SystemFolderDialog folderDialog_{QDBusConnection::sessionBus()};
     AppModel model_;
     ScreenModels screens_{model_, runtime_};
     CleanupModel cleanup_;

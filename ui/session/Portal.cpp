@@ -3,6 +3,7 @@
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QVariant>
 #include <utility>
 
@@ -14,7 +15,12 @@ QString portal::newToken() {
 }
 
 PortalRequest::PortalRequest(QDBusConnection bus, QObject* context, Answer answer)
-    : QObject(context), bus_(std::move(bus)), answer_(std::move(answer)) {}
+    : QObject(context), bus_(std::move(bus)), answer_(std::move(answer)) {
+    auto* owner = new QDBusServiceWatcher(portal::service, bus_,
+                                          QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(owner, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this] { finish(Result::Unavailable, {}); });
+}
 
 void PortalRequest::send(const QDBusConnection& bus, const QString& interface,
                          const QString& method, const QVariantList& arguments, QVariantMap options,

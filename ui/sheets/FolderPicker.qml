@@ -4,33 +4,56 @@ import QtQuick.Layouts
 import Tovi
 import Tovi.Models
 
-/// Asks for a folder to connect. One that is offered needs no more than a yes.
+/// Asks for a folder to connect: in the dialog of the desktop, or in Qt's where the desktop has none.
+/// One that is offered needs no more than a yes.
 Item {
     id: picker
 
+    property bool isChoosing: false
+    readonly property string heading: sheet.title + " — " + sheet.message
+
     function ask(title, message, button, directory) {
-        dialog.title = title + " — " + message
         sheet.title = title
         sheet.message = message
-        dialog.acceptLabel = button
         sheet.button = button
         sheet.folder = directory
         if (directory.toString())
             sheet.open()
         else
-            dialog.open()
+            choose(Format.address(Format.home))
+    }
+    function choose(start) {
+        isChoosing = true
+        sheet.folder = start
+        SystemFolderDialog.open(Window.window, heading, sheet.button, start)
+    }
+    /// Shown before it is connected: where a folder was entered, Qt's dialog takes one inside it.
+    function approve(folder) {
+        isChoosing = false
+        sheet.folder = folder
+        sheet.open()
+    }
+    function reject() {
+        isChoosing = false
+        FolderDialogs.finish("")
     }
 
-    FolderDialog {
+    Connections {
+        target: SystemFolderDialog
+        function onAccepted(folder) { picker.approve(folder) }
+        function onRejected() { picker.reject() }
+        function onUnavailable() { dialog.use(dialog => dialog.open()) }
+    }
+    OnDemand {
         id: dialog
-        objectName: "folder-dialog"
-        currentFolder: Format.address(Format.home)
-        // Shown before it is connected: where a folder was entered, Qt's own dialog takes one inside it.
-        onAccepted: {
-            sheet.folder = selectedFolder
-            sheet.open()
+        sourceComponent: FolderDialog {
+            objectName: "folder-dialog"
+            title: picker.heading
+            acceptLabel: sheet.button
+            currentFolder: sheet.folder
+            onAccepted: picker.approve(selectedFolder)
+            onRejected: picker.reject()
         }
-        onRejected: FolderDialogs.finish("")
     }
     Sheet {
         id: sheet
@@ -42,7 +65,7 @@ Item {
 
         first: yes
         onAboutToShow: answer = ""
-        onClosed: if (!dialog.visible) FolderDialogs.finish(answer)
+        onClosed: if (!picker.isChoosing) FolderDialogs.finish(answer)
 
         ColumnLayout {
             width: parent.width
@@ -88,8 +111,7 @@ Item {
                 ActionButton {
                     text: qsTr("Another folder…")
                     onClicked: {
-                        dialog.currentFolder = sheet.folder
-                        dialog.open()
+                        picker.choose(sheet.folder)
                         sheet.close()
                     }
                 }
