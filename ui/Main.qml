@@ -54,7 +54,7 @@ ApplicationWindow {
             let shown = item
             if (view instanceof GradualList) {
                 if (at === item)
-                    return // shown by the list
+                    return Qt.callLater(view.showCurrent)
                 if (at.height < view.height)
                     shown = at
             }

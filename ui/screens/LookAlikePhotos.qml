@@ -102,7 +102,10 @@ FocusScope {
                 required property string warning
                 required property var potentialBytes
                 property bool showsAll: false
-                readonly property var shown: showsAll ? files : files.slice(0, screen.mostShown)
+                readonly property var kept: files.filter((file, at) => at === keeper)
+                readonly property var others: files.filter((file, at) => at !== keeper)
+                readonly property var shown: showsAll || count <= screen.mostShown ? files
+                    : kept.concat(others).slice(0, screen.mostShown)
                 readonly property bool isAllMarked: files.every(file => screen.isMarked(file.path))
                 readonly property string heading: qsTr("%1, up to %2 reclaimable")
                     .arg(Format.counted(count, qsTr("photo"), qsTr("photos"))).arg(Format.size(potentialBytes))
@@ -166,11 +169,10 @@ FocusScope {
                                 model: group.shown
                                 delegate: PhotoTile {
                                     required property var modelData
-                                    required property int index
                                     width: screen.tileWidth
                                     height: screen.tileHeight
                                     photo: modelData
-                                    isKeeper: index === group.keeper
+                                    isKeeper: group.kept.length > 0 && modelData.path === group.kept[0].path
                                     isMarked: screen.isMarked(modelData.path)
                                     onClicked: LookAlikes.toggle(modelData.path)
                                 }
