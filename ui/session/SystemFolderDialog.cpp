@@ -7,6 +7,7 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QFile>
+#include <QTimer>
 #include <utility>
 
 namespace tovi {
@@ -27,7 +28,7 @@ SystemFolderDialog::SystemFolderDialog(QDBusConnection bus) : bus_(std::move(bus
 void SystemFolderDialog::open(QWindow* parent, const QString& title, const QString& acceptLabel,
                               const QUrl& folder) {
     if (!bus_.isConnected()) { // which answers no call
-        QMetaObject::invokeMethod(this, &SystemFolderDialog::unavailable, Qt::QueuedConnection);
+        QTimer::singleShot(0, this, &SystemFolderDialog::unavailable);
         return;
     }
     const QVariantMap options{

@@ -142,7 +142,7 @@ Sheet {
                         zoom: sheet.zoom
                         middle: sheet.middle
                         isKeeper: sheet.isProposed && modelData === sheet.keeper
-                        isMarked: LookAlikes.selectedIDs.indexOf(photo.path) >= 0
+                        isMarked: LookAlikes.selectedCount > 0 && LookAlikes.isSelected(photo.path)
                         onZoomed: factor => sheet.zoomBy(factor)
                         onMoved: (dx, dy) => sheet.moveBy(dx, dy)
                         onMarkToggled: LookAlikes.toggle(photo.path)
