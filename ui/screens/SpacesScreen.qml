@@ -26,7 +26,7 @@ FocusScope {
         SpaceFiles.space = id
     }
     function chooseAnother() {
-        if (row < 0 && list.count > 0)
+        if (row < 0 && spaces.count > 0)
             SpaceFiles.space = spaces.value(0, "id")
     }
     function rename() {
@@ -50,10 +50,13 @@ FocusScope {
     }
     onChosenChanged: countChosen()
     Connections {
+        target: App.spaces
+        function onChanged() { Qt.callLater(screen.chooseAnother) }
+    }
+    Connections {
         target: SpaceFiles
         function onChanged() { screen.countChosen() }
     }
-    onRowChanged: Qt.callLater(chooseAnother)
 
     ColumnLayout {
         anchors.fill: parent
