@@ -41,7 +41,7 @@ class SpaceFilesModel : public QObject {
     Q_INVOKABLE int countOutside(const QStringList& paths) const;
 
     /// Reads anew what is shown, as after a change of the project or the library.
-    Q_INVOKABLE void refresh();
+    void refresh();
 
   Q_SIGNALS:
     void spaceChanged();

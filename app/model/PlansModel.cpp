@@ -282,7 +282,7 @@ void PlansModel::undo(const QString& receipt) {
             if (outcome) {
                 context_.notices.setStatus("Taken back: " + outcome.value->title);
                 for (const ActionEntry& entry : outcome.value->entries) {
-                    if (entry.operation == FileOperation::rename)
+                    if (entry.operation == FileOperation::rename && entry.restored)
                         Q_EMIT fileRenamed(toQt(entry.currentPath), toQt(entry.originalPath));
                 }
                 Q_EMIT undone();

@@ -361,7 +361,7 @@ TEST_F(Window, ShowsTheWholeRowThatTheKeysComeTo) {
         const QQuickItem* item = window()->activeFocusItem();
         while (item->parentItem() && !item->property("index").isValid())
             item = item->parentItem();
-        if (item->property("index") != row) return false;
+        if (item->property("index") != row || item->property("visualFocus") == false) return false;
         const QQuickItem* all = item->parentItem();
         const QRectF place = item->mapRectToItem(all, item->boundingRect());
         EXPECT_TRUE(place.isValid());

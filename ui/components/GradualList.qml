@@ -23,7 +23,10 @@ ListView {
     }
     function enter(row) {
         currentIndex = row
-        currentItem?.forceActiveFocus(Qt.TabFocusReason)
+        if (!currentItem)
+            return
+        currentItem.forceActiveFocus()
+        currentItem.focusReason = Qt.TabFocusReason // to be seen; the list itself gives none
     }
     /// The row that has the keyboard, itself or a control in it.
     function rowAtKeyboard() {
