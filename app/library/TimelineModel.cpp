@@ -26,7 +26,7 @@ QString nameOf(CalendarUnit unit) {
 
 } // namespace
 
-TimelineModel::TimelineModel(Executor& executor, UserCalendar calendar)
+TimelineModel::TimelineModel(Executor& executor, std::function<UserCalendar()> calendar)
     : executor_(executor),
       calendar_(std::move(calendar)),
       periods_([](const TimelinePeriod& period) { return fromQt(idOf(period.start)); },
@@ -93,7 +93,7 @@ void TimelineModel::jumpTo(const QDateTime& day) {
     before_.reset();
     if (day.isValid()) {
         const Date date{static_cast<double>(day.toMSecsSinceEpoch()) / 1000};
-        before_ = calendar_.startOf(CalendarUnit::day, 1, date);
+        before_ = CalendarPeriods(calendar_()).startOf(CalendarUnit::day, 1, date);
     }
     loadFiles(filesAtOnce);
 }
@@ -114,7 +114,7 @@ void TimelineModel::loadPeriods(std::size_t count) {
     runLatest(
         executor_, this, periodsGeneration_,
         [index = index_, calendar = calendar_, unit = unit_, count](const std::stop_token& stop) {
-            return timeline(*index, calendar, unit, endOfTime, count, stop);
+            return timeline(*index, CalendarPeriods(calendar()), unit, endOfTime, count, stop);
         },
         [this, count](Outcome<std::vector<TimelinePeriod>> outcome) {
             isLoading_ = false;
@@ -135,6 +135,7 @@ void TimelineModel::loadFiles(std::int64_t count) {
         executor_, this, filesGeneration_,
         [index = index_, calendar = calendar_, unit = unit_, before = before_,
          count](const std::stop_token& stop) {
+            const CalendarPeriods periods(calendar());
             SearchQuery query;
             query.modifiedBefore = before;
             Files shown;
@@ -142,7 +143,7 @@ void TimelineModel::loadFiles(std::int64_t count) {
             std::optional<Date> start;
             for (const FileRecord& file : shown.files) {
                 if (start && file.modifiedAt >= *start) continue;
-                start = calendar.startOf(unit, 0, file.modifiedAt);
+                start = periods.startOf(unit, 0, file.modifiedAt);
                 if (start) shown.starts.insert(*start);
             }
             return shown;

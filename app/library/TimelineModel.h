@@ -28,7 +28,8 @@ class TimelineModel : public QObject {
     static constexpr std::size_t periodsAtOnce = 60;
     static constexpr std::int64_t filesAtOnce = 500;
 
-    TimelineModel(Executor& executor, UserCalendar calendar);
+    /// Asks for the calendar whenever it reads, for it may change, as on a journey.
+    TimelineModel(Executor& executor, std::function<UserCalendar()> calendar);
 
     /// The index to read from now on; none while it is closed.
     void setIndex(std::shared_ptr<IndexStore> index);
@@ -73,7 +74,7 @@ class TimelineModel : public QObject {
     void clear();
 
     Executor& executor_;
-    CalendarPeriods calendar_;
+    std::function<UserCalendar()> calendar_;
     std::shared_ptr<IndexStore> index_;
     DifferenceListModel<TimelinePeriod> periods_;
     RecordList files_;

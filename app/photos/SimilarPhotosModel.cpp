@@ -16,13 +16,23 @@ QString grouped(int number) {
     return QLocale().toString(number);
 }
 
-QVariantList valuesOf(const SimilarPhotoGroup& group) {
+constexpr std::size_t mostFilesShown = 12; // of a group, before all are asked for
+
+QVariantMap valuesOf(const SimilarPhotoGroup& group, std::size_t at) {
+    QVariantMap values = toVariantMap(group.files[at]);
+    values.insert(QStringLiteral("width"), group.traits[at].width);
+    values.insert(QStringLiteral("height"), group.traits[at].height);
+    return values;
+}
+
+/// The one that deserves to stay, if there is one, then others; so many at most.
+QVariantList valuesOf(const SimilarPhotoGroup& group, const std::optional<std::size_t>& keeper,
+                      std::size_t most) {
     QVariantList files;
+    if (keeper) files.append(valuesOf(group, *keeper));
     for (std::size_t at = 0; at < group.files.size(); ++at) {
-        QVariantMap values = toVariantMap(group.files[at]);
-        values.insert(QStringLiteral("width"), group.traits[at].width);
-        values.insert(QStringLiteral("height"), group.traits[at].height);
-        files.append(values);
+        if (static_cast<std::size_t>(files.size()) == most) break;
+        if (at != keeper) files.append(valuesOf(group, at));
     }
     return files;
 }
@@ -35,14 +45,12 @@ SimilarPhotosModel::SimilarPhotosModel(Executor& executor, Scanner scanner)
       groups_(
           [](const SimilarPhotoGroup& group) { return group.id(); },
           {{"id", [](const auto& group) { return toQt(group.id()); }},
-           {"files", valuesOf},
+           {"files",
+            [](const auto& group) { return valuesOf(group, group.keeper(), mostFilesShown); }},
            {"count", [](const auto& group) { return static_cast<int>(group.files.size()); }},
            {"potentialBytes",
             [](const auto& group) { return QVariant::fromValue<qint64>(group.potentialBytes()); }},
-           {"keeper",
-            [](const auto& group) {
-                return group.keeper() ? static_cast<int>(*group.keeper()) : -1;
-            }},
+           {"hasKeeper", [](const auto& group) { return group.keeper().has_value(); }},
            {"warning", [](const auto& group) {
                 return group.looksLikeText()
                            ? QStringLiteral(
@@ -148,15 +156,30 @@ bool SimilarPhotosModel::isSelected(const QString& id) const {
     return selectedIDs_.contains(fromQt(id));
 }
 
-void SimilarPhotosModel::selectAllButKeeper(const QString& id) {
+const SimilarPhotoGroup* SimilarPhotosModel::groupOf(const QString& id) const {
     const int row = groups_.rowOf(id);
-    if (row < 0) return;
-    const SimilarPhotoGroup& group = groups_.rows()[static_cast<std::size_t>(row)];
-    const auto keeper = group.keeper();
+    return row < 0 ? nullptr : &groups_.rows()[static_cast<std::size_t>(row)];
+}
+
+QVariantList SimilarPhotosModel::filesOf(const QString& id) const {
+    const SimilarPhotoGroup* group = groupOf(id);
+    return group ? valuesOf(*group, group->keeper(), group->files.size()) : QVariantList();
+}
+
+bool SimilarPhotosModel::isAllSelected(const QString& id) const {
+    const SimilarPhotoGroup* group = groupOf(id);
+    return group &&
+           std::all_of(group->files.begin(), group->files.end(),
+                       [&](const FileRecord& file) { return selectedIDs_.contains(file.path); });
+}
+
+void SimilarPhotosModel::selectAllButKeeper(const QString& id) {
+    const SimilarPhotoGroup* group = groupOf(id);
+    const auto keeper = group ? group->keeper() : std::nullopt;
     if (!keeper) return;
-    for (const FileRecord& file : group.files)
+    for (const FileRecord& file : group->files)
         selectedIDs_.insert(file.path);
-    selectedIDs_.erase(group.files[*keeper].path);
+    selectedIDs_.erase(group->files[*keeper].path);
     Q_EMIT selectionChanged();
 }
 

@@ -32,11 +32,13 @@ class SimilarPhotosModel : public QObject {
 
     SimilarPhotosModel(Executor& executor, Scanner scanner);
 
-    /// Roles: id, files (list of the values of a file with
-    /// its width and height in pixels), count, potentialBytes, keeper (the index
-    /// in files of the photo that deserves to stay, -1 if none does more than the others), warning
-    /// (a sentence to show with the group; may be empty).
+    /// Roles: id, files (the first of `filesOf`), count, potentialBytes, hasKeeper (whether one
+    /// deserves more to stay than the others), warning (a sentence to show with the group; may be
+    /// empty).
     RowListModel* groups() { return &groups_; }
+    /// All files of a group, the one that deserves to stay first: their values, with the width and
+    /// height in pixels.
+    Q_INVOKABLE QVariantList filesOf(const QString& group) const;
     /// The last finished check.
     const std::optional<SimilarPhotoReport>& report() const { return report_; }
     bool hasReport() const { return report_.has_value(); }
@@ -51,6 +53,8 @@ class SimilarPhotosModel : public QObject {
     QStringList selectedIDList() const;
     int selectedCount() const { return static_cast<int>(selectedIDs_.size()); }
     Q_INVOKABLE bool isSelected(const QString& id) const;
+    /// Whether all photos of the group are marked.
+    Q_INVOKABLE bool isAllSelected(const QString& group) const;
     /// The records of the marked photos, in the order of the groups.
     std::vector<FileRecord> selected() const;
 
@@ -72,6 +76,7 @@ class SimilarPhotosModel : public QObject {
     void updateProgress(std::uint64_t job, const SimilarPhotoProgress& progress);
     void finish(Outcome<SimilarPhotoReport> outcome, const std::set<std::string>& marked);
     void setStatus(const QString& status);
+    const SimilarPhotoGroup* groupOf(const QString& id) const;
 
     Executor& executor_;
     Scanner scanner_;

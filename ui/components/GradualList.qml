@@ -55,6 +55,9 @@ ListView {
         enter(Math.max(0, Math.min(count - 1, rows[event.key])))
     }
 
+    // The next ones come step by step, too; only those that wait to be used again are there already.
+    onCountChanged: if (count === 0 && !reuseItems) room = 0
+
     property StepwiseWork work: StepwiseWork {
         isWanted: list.displayMarginEnd < 0 && list.count > 0
         onStep: {

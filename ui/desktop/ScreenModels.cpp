@@ -68,7 +68,7 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
       executor_(runtime.executor()),
       downloads_(executor_),
       evidence_(executor_),
-      timeline_(executor_, UserCalendar::current()),
+      timeline_(executor_, UserCalendar::current),
       graph_(executor_, [this] { return groupsOf(model_); }),
       preview_(executor_),
       excerpts_(executor_),

@@ -12,7 +12,6 @@ FocusScope {
     property string folder: ""
     readonly property int tileWidth: 208
     readonly property int tileHeight: 292
-    readonly property int mostShown: 12 // of a group, before all are asked for
 
     function isMarked(path) {
         return LookAlikes.selectedCount > 0 && LookAlikes.isSelected(path)
@@ -98,15 +97,12 @@ FocusScope {
                 required property string id
                 required property var files
                 required property int count
-                required property int keeper
+                required property bool hasKeeper
                 required property string warning
                 required property var potentialBytes
                 property bool showsAll: false
-                readonly property var kept: files.filter((file, at) => at === keeper)
-                readonly property var others: files.filter((file, at) => at !== keeper)
-                readonly property var shown: showsAll || count <= screen.mostShown ? files
-                    : kept.concat(others).slice(0, screen.mostShown)
-                readonly property bool isAllMarked: files.every(file => screen.isMarked(file.path))
+                readonly property var shown: showsAll && files.length < count ? LookAlikes.filesOf(id) : files
+                readonly property bool isAllMarked: LookAlikes.selectedCount >= count && LookAlikes.isAllSelected(id)
                 readonly property string heading: qsTr("%1, up to %2 reclaimable")
                     .arg(Format.counted(count, qsTr("photo"), qsTr("photos"))).arg(Format.size(potentialBytes))
 
@@ -140,7 +136,7 @@ FocusScope {
                             }
                         }
                         ActionButton {
-                            visible: group.keeper >= 0
+                            visible: group.hasKeeper
                             text: qsTr("Mark all but the kept one")
                             Accessible.description: group.heading
                             onClicked: LookAlikes.selectAllButKeeper(group.id)
@@ -149,7 +145,7 @@ FocusScope {
                             text: qsTr("Compare…")
                             symbol: "rectangle.split.2x1"
                             Accessible.description: group.heading
-                            onClicked: comparison.show(group.files, group.keeper)
+                            onClicked: comparison.show(LookAlikes.filesOf(group.id), group.hasKeeper)
                         }
                     }
                     Banner {
@@ -168,11 +164,12 @@ FocusScope {
                             model: GradualModel {
                                 model: group.shown
                                 delegate: PhotoTile {
+                                    required property int index
                                     required property var modelData
                                     width: screen.tileWidth
                                     height: screen.tileHeight
                                     photo: modelData
-                                    isKeeper: group.kept.length > 0 && modelData.path === group.kept[0].path
+                                    isKeeper: group.hasKeeper && index === 0
                                     isMarked: screen.isMarked(modelData.path)
                                     onClicked: LookAlikes.toggle(modelData.path)
                                 }

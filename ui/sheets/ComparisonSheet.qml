@@ -4,23 +4,21 @@ import QtQuick.Layouts
 import Tovi
 import Tovi.Models
 
-/// Two photos side by side, enlarged and moved together. The left one is the one that stays, or the
-/// first where none is proposed; the arrow keys go through the others.
+/// Two photos side by side, enlarged and moved together. The left one is the first, which is the one
+/// that stays if one is proposed; Page Up and Down go through the others.
 Sheet {
     id: sheet
 
     property var photos: []
-    property int keeper: 0
-    property bool isProposed: true
+    property bool hasKeeper: true
     property int other: 1
     property double zoom: 1
     property point middle: Qt.point(0, 0)
 
-    function show(files, kept) {
+    function show(files, isFirstKept) {
         photos = files
-        keeper = Math.max(kept, 0)
-        isProposed = kept >= 0
-        other = keeper === 0 ? 1 : 0
+        hasKeeper = isFirstKept
+        other = 1
         fit()
         open()
     }
@@ -38,11 +36,8 @@ Sheet {
                           Math.max(-most, Math.min(most, middle.y - dy)))
     }
     function step(by) {
-        let next = other
-        do
-            next = (next + by + photos.length) % photos.length
-        while (next === keeper)
-        other = next
+        const others = photos.length - 1
+        other = 1 + (other - 1 + by + others) % others
     }
 
     title: qsTr("Compare photos")
@@ -132,7 +127,7 @@ Sheet {
                 anchors.margins: 4
                 spacing: 12
                 Repeater {
-                    model: sheet.photos.length > 1 ? [sheet.keeper, sheet.other] : []
+                    model: sheet.photos.length > 1 ? [0, sheet.other] : []
                     ZoomedPicture {
                         required property int modelData
                         Layout.fillWidth: true
@@ -141,7 +136,7 @@ Sheet {
                         photo: sheet.photos[modelData]
                         zoom: sheet.zoom
                         middle: sheet.middle
-                        isKeeper: sheet.isProposed && modelData === sheet.keeper
+                        isKeeper: sheet.hasKeeper && modelData === 0
                         isMarked: LookAlikes.selectedCount > 0 && LookAlikes.isSelected(photo.path)
                         onZoomed: factor => sheet.zoomBy(factor)
                         onMoved: (dx, dy) => sheet.moveBy(dx, dy)

@@ -49,7 +49,7 @@ TEST_F(LookingModelsTest, TimelineGroupsByPeriodAndJumps) {
     add("/r/b", monday + 20);
     add("/r/c", monday - day);
     add("/r/d", monday - 40 * day);
-    TimelineModel model(executor, {"de_DE", "UTC"});
+    TimelineModel model(executor, [] { return UserCalendar{"de_DE", "UTC"}; });
     const QAbstractItemModelTester tester(model.files(),
                                           QAbstractItemModelTester::FailureReportingMode::Fatal);
     model.refresh();

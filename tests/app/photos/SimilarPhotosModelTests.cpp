@@ -73,9 +73,9 @@ TEST_F(SimilarPhotosModelTest, ShowsProgressAndTheFinishedReport) {
     EXPECT_FALSE(model.isScanning());
     EXPECT_EQ(status(), "Compared 4.711 photos.");
     ASSERT_EQ(model.groups()->count(), 2);
-    EXPECT_EQ(model.groups()->value(0, toQt("keeper")).toInt(), 0);
+    EXPECT_TRUE(model.groups()->value(0, toQt("hasKeeper")).toBool());
     EXPECT_EQ(model.groups()->value(0, toQt("warning")).toString(), QString());
-    EXPECT_EQ(model.groups()->value(1, toQt("keeper")).toInt(), -1) << "half of it is text";
+    EXPECT_FALSE(model.groups()->value(1, toQt("hasKeeper")).toBool()) << "half of it is text";
     EXPECT_NE(model.groups()->value(1, toQt("warning")).toString(), QString());
     EXPECT_EQ(model.groups()->value(0, toQt("potentialBytes")).toLongLong(), 11);
     EXPECT_EQ(model.notice(), QString());
@@ -109,6 +109,33 @@ TEST_F(SimilarPhotosModelTest, ShowsProgressAndTheFinishedReport) {
     executor.settle();
     EXPECT_EQ(fromQt(model.notice()),
               "This comparison reached its limit. Choose a smaller folder to check more photos.");
+}
+
+TEST_F(SimilarPhotosModelTest, ShowsTheFirstOfALargeGroupAndTheOneThatStays) {
+    SimilarPhotoGroup group;
+    for (char name = 'a'; name <= 'n'; ++name) {
+        group.files.push_back(photo(std::string("/r/") + name));
+        group.traits.push_back({.width = name == 'm' ? 9 : 1, .height = 1});
+    }
+    report.groups = {group};
+    start();
+    executor.settle();
+    const auto names = [](const QVariantList& files) {
+        std::string last;
+        for (const QVariant& file : files)
+            last += file.toMap().value(toQt("path")).toString().back().toLatin1();
+        return last;
+    };
+    EXPECT_EQ(names(model.groups()->value(0, toQt("files")).toList()), "mabcdefghijk");
+    const QString id = model.groups()->value(0, toQt("id")).toString();
+    EXPECT_EQ(names(model.filesOf(id)), "mabcdefghijkln");
+    EXPECT_EQ(model.filesOf(id).front().toMap().value(toQt("width")).toInt(), 9);
+    model.selectAllButKeeper(id);
+    EXPECT_FALSE(model.isAllSelected(id));
+    model.toggle(toQt("/r/m"));
+    EXPECT_TRUE(model.isAllSelected(id));
+    EXPECT_FALSE(model.isAllSelected(toQt("gone")));
+    EXPECT_TRUE(model.filesOf(toQt("gone")).isEmpty());
 }
 
 TEST_F(SimilarPhotosModelTest, StopsAndFailsWithoutAReport) {
