@@ -7,7 +7,7 @@ AppText {
 
     text: excerpt.replace(/<b>/g, "<span style=\"font-weight:600;color:" + Theme.text
         + ";background-color:" + Theme.warningBackground + "\">").replace(/<\/b>/g, "</span>")
-    textFormat: Text.RichText
+    textFormat: excerpt.includes("<b>") ? Text.RichText : Text.StyledText // which is laid out far sooner
     wrapMode: Text.Wrap
     Accessible.name: excerpt.replace(/<br>/g, " ").replace(/<[^>]*>/g, "")
 }
