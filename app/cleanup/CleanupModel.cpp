@@ -395,6 +395,16 @@ void CleanupModel::stopExecution() {
     execution_.request_stop();
 }
 
+void CleanupModel::showReceipt(const QString& receipt) {
+    std::vector<ReceiptFile> files;
+    if (const int row = history_.rowOf(receipt); row >= 0) {
+        for (const CleanupActionEntry& entry :
+             history_.rows()[static_cast<std::size_t>(row)].entries)
+            files.push_back({entry.originalPath, "", entry.size, entry.restored});
+    }
+    receiptFiles_.replace(std::move(files));
+}
+
 void CleanupModel::undo(const QString& receipt) {
     const auto id = Uuid::parse(fromQt(receipt));
     if (!service_ || isExecuting_ || !id) return;

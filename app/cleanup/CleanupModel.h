@@ -28,6 +28,7 @@ class CleanupModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(tovi::CleanupCandidates* candidates READ candidates CONSTANT)
     Q_PROPERTY(tovi::RowListModel* history READ history CONSTANT)
+    Q_PROPERTY(tovi::RowListModel* receiptFiles READ receiptFiles CONSTANT)
     Q_PROPERTY(bool hasReport READ hasReport NOTIFY reportChanged)
     Q_PROPERTY(QVariantMap report READ reportValues NOTIFY reportChanged)
     Q_PROPERTY(QString status READ status NOTIFY changed)
@@ -54,6 +55,9 @@ class CleanupModel : public QObject {
     /// Receipts, newest first. Roles: id, title, date, count, restoredCount, bytes, firstPaths
     /// (where the first three files were), symbol, undone, canUndo, error.
     RowListModel* history() { return &history_; }
+    /// All items of the receipt that was asked for last.
+    RowListModel* receiptFiles() { return &receiptFiles_; }
+    Q_INVOKABLE void showReceipt(const QString& receipt);
 
     bool hasReport() const { return report_.has_value(); }
     /// scannedFiles, scannedBytes, skippedCount, issues (sentences), notice, isPartial,
@@ -138,6 +142,7 @@ class CleanupModel : public QObject {
     CleanupModelSystem system_;
     CleanupCandidates candidates_;
     DifferenceListModel<CleanupReceipt> history_;
+    ReceiptFiles receiptFiles_;
     std::shared_ptr<Service> service_;
     std::optional<CleanupReport> report_;
     std::optional<CleanupPlan> plan_;

@@ -8,6 +8,7 @@
 #include "core/files/AuthorizedFolders.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace tovi {
 namespace {
@@ -25,6 +26,14 @@ QStringList firstPathsOf(const ActionReceipt& receipt) {
     for (std::size_t at = 0; at < std::min<std::size_t>(receipt.entries.size(), 3); ++at)
         paths.append(toQt(receipt.entries[at].originalPath));
     return paths;
+}
+
+ReceiptFile fileOf(const ActionEntry& entry) {
+    const bool isRename = entry.operation == FileOperation::rename;
+    return {.path = entry.originalPath,
+            .newName = isRename ? std::filesystem::path(entry.currentPath).filename().string() : "",
+            .size = static_cast<std::int64_t>(entry.snapshot.size),
+            .isRestored = entry.restored};
 }
 
 QString symbolOf(const ActionReceipt& receipt) {
@@ -104,6 +113,15 @@ void PlansModel::refreshHistory() {
             if (outcome) return actions_.replace(*std::move(outcome.value));
             if (!outcome.isCancelled) context_.notices.setError(outcome.error);
         });
+}
+
+void PlansModel::showReceipt(const QString& receipt) {
+    std::vector<ReceiptFile> files;
+    if (const int row = actions_.rowOf(receipt); row >= 0) {
+        for (const ActionEntry& entry : receipts()[static_cast<std::size_t>(row)].entries)
+            files.push_back(fileOf(entry));
+    }
+    receiptFiles_.replace(std::move(files));
 }
 
 QVariantMap PlansModel::proposedPlanValues() const {

@@ -2,6 +2,7 @@
 
 #include "app/lists/DifferenceListModel.h"
 #include "app/model/FoldersModel.h"
+#include "app/model/ReceiptFiles.h"
 #include "core/actions/CopiesToTrash.h"
 #include "core/actions/FileActionService.h"
 
@@ -22,6 +23,7 @@ class PlansModel : public QObject {
     Q_PROPERTY(bool isPlanning READ isPlanning NOTIFY planChanged)
     Q_PROPERTY(bool isExecuting READ isExecuting NOTIFY planChanged)
     Q_PROPERTY(tovi::RowListModel* actions READ actions CONSTANT)
+    Q_PROPERTY(tovi::RowListModel* receiptFiles READ receiptFiles CONSTANT)
 
   public:
     PlansModel(ModelContext& context, const FoldersModel& folders);
@@ -43,6 +45,10 @@ class PlansModel : public QObject {
     /// the first three files were), symbol, undone, canUndo, error.
     RowListModel* actions() { return &actions_; }
     const std::vector<ActionReceipt>& receipts() const { return actions_.rows(); }
+
+    /// All files of the receipt that was asked for last.
+    RowListModel* receiptFiles() { return &receiptFiles_; }
+    Q_INVOKABLE void showReceipt(const QString& receipt);
 
     /// Each proposal replaces the one before it; a refusal is the error message.
     Q_INVOKABLE void proposeTrash(const QStringList& paths);
@@ -102,6 +108,7 @@ class PlansModel : public QObject {
     const FoldersModel& folders_;
     std::shared_ptr<FileActionService> service_;
     DifferenceListModel<ActionReceipt> actions_;
+    ReceiptFiles receiptFiles_;
     std::optional<ActionPlan> proposedPlan_;
     DifferenceListModel<PlannedFileAction> items_; // of the plan
     std::size_t leftCount_ = 0;

@@ -428,6 +428,21 @@ TEST_F(Window, ShowsTheWholeRowThatTheKeysComeTo) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return isAtRow(0); }));
     key(Qt::Key_Backtab);
     EXPECT_EQ(focused(), QStringLiteral("Review all…"));
+
+    SCOPED_TRACE("a receipt");
+    PlansModel& plans = *model().plans();
+    plans.proposeTrash(model().library()->files()->texts(QStringLiteral("path")));
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Cancel")));
+    key(Qt::Key_Tab);
+    key(Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return plans.actions()->count() == 1; }));
+    show(QStringLiteral("activity"));
+    tabTo(QStringLiteral("Show all"));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(waitForFocus(QStringLiteral("Close")));
+    checkKeys();
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(waitForFocus(QStringLiteral("Show all")));
 }
 
 TEST_F(Window, FindsPassagesAndShowsWhereTheWordsStand) {

@@ -7,5 +7,5 @@ ReceiptList {
     title: qsTr("Cleanup history")
     changes: Cleanup.history
     emptySentence: qsTr("What you move to the Trash from this screen appears here, and can be taken back here.")
-    onUndoWanted: receipt => Cleanup.undo(receipt)
+    keeper: Cleanup
 }

@@ -10,8 +10,8 @@ FocusScope {
     required property string title
     required property var changes
     required property string emptySentence
-
-    signal undoWanted(string receipt)
+    /// What makes the changes and keeps their receipts.
+    required property var keeper
 
     GradualList {
         id: list
@@ -39,6 +39,10 @@ FocusScope {
             required property bool undone
             required property bool canUndo
             required property string error
+            readonly property string summary: Format.dateTime(date) + "  ·  "
+                + (undone ? qsTr("taken back")
+                   : restoredCount > 0 ? qsTr("%1 of %2 taken back").arg(restoredCount).arg(count)
+                   : Format.counted(count, qsTr("item"), qsTr("items")))
 
             height: line.implicitHeight + 24
             Accessible.name: receipt.title
@@ -65,11 +69,7 @@ FocusScope {
                     }
                     AppText {
                         Layout.fillWidth: true
-                        text: Format.dateTime(receipt.date) + "  ·  "
-                            + (receipt.undone ? qsTr("taken back")
-                               : receipt.restoredCount > 0
-                                 ? qsTr("%1 of %2 taken back").arg(receipt.restoredCount).arg(receipt.count)
-                                 : Format.counted(receipt.count, qsTr("item"), qsTr("items")))
+                        text: receipt.summary
                         isSecondary: true
                     }
                     Repeater {
@@ -84,7 +84,7 @@ FocusScope {
                         }
                     }
                     AppText {
-                        visible: receipt.count > receipt.firstPaths.length
+                        visible: all.visible
                         text: qsTr("and %1 more").arg(Format.count(receipt.count - receipt.firstPaths.length))
                         isSecondary: true
                         font.pixelSize: Theme.caption
@@ -98,13 +98,24 @@ FocusScope {
                     }
                 }
                 ActionButton {
+                    id: all
+                    visible: receipt.count > receipt.firstPaths.length
+                    text: qsTr("Show all")
+                    Accessible.description: receipt.title
+                    onClicked: sheet.use(sheet => sheet.show(receipt.id, receipt.title, receipt.summary, receipt.symbol))
+                }
+                ActionButton {
                     visible: receipt.canUndo
                     text: qsTr("Undo")
                     symbol: "arrow.uturn.backward"
-                    onClicked: receipts.undoWanted(receipt.id)
+                    onClicked: receipts.keeper.undo(receipt.id)
                 }
             }
         }
+    }
+    OnDemand {
+        id: sheet
+        sourceComponent: ReceiptSheet { keeper: receipts.keeper }
     }
     EmptyState {
         anchors.centerIn: parent

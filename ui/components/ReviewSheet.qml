@@ -55,58 +55,12 @@ Sheet {
             wrapMode: Text.Wrap
             color: Theme.warning
         }
-        GradualList {
-            id: list
+        FileLines {
             Layout.fillWidth: true
-            Layout.preferredHeight: Math.min(contentHeight, 320)
-            clip: true
+            label: qsTr("Files of the plan")
             model: sheet.rows
-            boundsBehavior: Flickable.StopAtBounds
-            // Always seen, so that no row is missed.
-            ScrollBar.vertical: ScrollBar {
-                policy: ScrollBar.AlwaysOn
-                visible: size < 1
-            }
-            Accessible.role: Accessible.List
-            Accessible.name: qsTr("Files of the plan")
-            delegate: ListRow {
-                id: row
-
-                required property var model
-                required property int index
-
-                height: 46
-                isCard: false
-                Accessible.name: model.path
-                Accessible.description: qsTr("row %1 of %2").arg(index + 1).arg(list.count)
-                RowLayout {
-                    anchors.fill: parent
-                    anchors.leftMargin: 8
-                    anchors.rightMargin: 12
-                    spacing: 12
-                    AppIcon { symbol: sheet.symbol }
-                    ColumnLayout {
-                        Layout.fillWidth: true
-                        spacing: 0
-                        AppText {
-                            Layout.fillWidth: true
-                            text: Format.path(row.model.path)
-                            elide: Text.ElideMiddle
-                        }
-                        AppText {
-                            Layout.fillWidth: true
-                            visible: text !== ""
-                            text: sheet.noteOf(row.model)
-                            isSecondary: true
-                            font.pixelSize: Theme.caption
-                        }
-                    }
-                    AppText {
-                        text: Format.size(row.model.size)
-                        isSecondary: true
-                    }
-                }
-            }
+            symbol: sheet.symbol
+            noteOf: sheet.noteOf
         }
         AppText {
             Layout.fillWidth: true

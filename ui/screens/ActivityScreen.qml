@@ -26,7 +26,7 @@ FocusScope {
             title: screen.title
             changes: App.plans.actions
             emptySentence: qsTr("Moves to the Trash and renames appear here, and can be taken back here.")
-            onUndoWanted: receipt => App.plans.undo(receipt)
+            keeper: App.plans
         }
     }
 }

@@ -24,6 +24,16 @@ void review(Photographer& at) {
     at.waitFor([&] { return at.model().plans()->proposedPlan().has_value(); });
 }
 
+void activity(Photographer& at) {
+    PlansModel& plans = *at.model().plans();
+    if (plans.receipts().empty()) {
+        review(at);
+        plans.confirmPlan(plans.proposedPlanValues().value(QStringLiteral("id")).toString());
+        at.waitFor([&] { return !plans.receipts().empty() && !plans.isExecuting(); });
+    }
+    at.show(QStringLiteral("activity"));
+}
+
 void cleanup(Photographer& at) {
     at.show(QStringLiteral("storage"));
     at.cleanup().scan();
@@ -116,16 +126,11 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
              at.settle(1'500);
          }},
         {QStringLiteral("review"), review},
-        {QStringLiteral("activity"),
+        {QStringLiteral("activity"), activity},
+        {QStringLiteral("receipt"),
          [](Photographer& at) {
-             PlansModel& plans = *at.model().plans();
-             if (plans.receipts().empty()) {
-                 review(at);
-                 plans.confirmPlan(
-                     plans.proposedPlanValues().value(QStringLiteral("id")).toString());
-                 at.waitFor([&] { return !plans.receipts().empty() && !plans.isExecuting(); });
-             }
-             at.show(QStringLiteral("activity"));
+             activity(at);
+             at.click(QStringLiteral("Show all"));
          }},
         {QStringLiteral("storage"), cleanup},
         {QStringLiteral("storage-items"),

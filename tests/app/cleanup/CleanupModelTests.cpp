@@ -92,6 +92,9 @@ TEST_F(CleanupModelTest, FindsMovesAndRestoresWhatWasReviewed) {
     EXPECT_FALSE(std::filesystem::exists(tree.path("Downloads/old.zip")));
     EXPECT_EQ(model->library()->summary().total(), 1);
     ASSERT_EQ(cleanup->history()->value(0, QStringLiteral("count")).toInt(), 2);
+    cleanup->showReceipt(cleanup->history()->value(0, QStringLiteral("id")).toString());
+    EXPECT_THAT(cleanup->receiptFiles()->texts(QStringLiteral("path")),
+                testing::Contains(QString::fromStdString(tree.path("Downloads/old.zip"))));
 
     cleanup->undoLast();
     executor.settle();

@@ -77,14 +77,24 @@ TEST_F(PlansTest, ExecutesWhatWasReviewedAndTakesItBack) {
     EXPECT_TRUE(fs::exists(tree.path("a.txt")));
     EXPECT_FALSE(fs::exists(tree.path("b.txt")));
     EXPECT_FALSE(plans().proposedPlan());
-    EXPECT_THAT(plans().receipts(), SizeIs(1));
+    ASSERT_THAT(plans().receipts(), SizeIs(1));
     EXPECT_THAT(model->library()->records(), SizeIs(2));
+    const QString receipt = plans().actions()->value(0, QStringLiteral("id")).toString();
+    const auto shown = [&](const char* role) {
+        plans().showReceipt(receipt);
+        return plans().receiptFiles()->value(0, QString::fromLatin1(role));
+    };
+    EXPECT_EQ(shown("path").toString(), at("b.txt"));
+    EXPECT_FALSE(shown("isRestored").toBool());
 
     plans().undoLast();
     executor.settle();
     EXPECT_TRUE(fs::exists(tree.path("b.txt")));
     EXPECT_THAT(model->library()->records(), SizeIs(3));
     EXPECT_TRUE(plans().receipts().front().undone);
+    EXPECT_TRUE(shown("isRestored").toBool());
+    plans().showReceipt(QStringLiteral("another"));
+    EXPECT_EQ(plans().receiptFiles()->count(), 0);
 }
 
 TEST_F(PlansTest, FollowsARenameInTheIndexAndInProjectsAtOnce) {
@@ -98,6 +108,9 @@ TEST_F(PlansTest, FollowsARenameInTheIndexAndInProjectsAtOnce) {
     ASSERT_THAT(names(model->search()->records()), ElementsAre("d.md"));
     EXPECT_EQ(model->search()->records()[0].path, tree.path("d.md"));
     EXPECT_THAT(spaces.front().paths, ElementsAre(tree.path("d.md")));
+    plans().showReceipt(plans().actions()->value(0, QStringLiteral("id")).toString());
+    EXPECT_EQ(plans().receiptFiles()->value(0, QStringLiteral("newName")).toString(),
+              QStringLiteral("d.md"));
     plans().undoLast();
     executor.settle();
     EXPECT_THAT(spaces.front().paths, ElementsAre(tree.path("a.txt")));
