@@ -11,8 +11,10 @@ ListView {
     property real rowHeight: Theme.rowHeight
     /// How high what lies over its first row is: the label of a section.
     property real labelHeight: 0
-    /// How many it may show so far.
+    /// How many it may show so far, and how many it needs: where rows are used again, as many more for
+    /// the next page, which wait for it.
     property int room: 0
+    readonly property int needed: Math.ceil(height / rowHeight) * (reuseItems ? 2 : 1)
 
     function showCurrent() {
         if (!currentItem || currentIndex >= count || room === 0)
@@ -38,7 +40,7 @@ ListView {
     }
 
     // Without room not even the first row, which would be made as a part of what the list is in.
-    displayMarginEnd: room === 0 ? -height - 1 : Math.min(0, room * rowHeight - height)
+    displayMarginEnd: room === 0 ? -height - 1 : room < needed ? room * rowHeight - height : 0
     cacheBuffer: 0
     currentIndex: -1
     // The list's own way to follow the keys moves 400 pixels a second.
@@ -59,7 +61,7 @@ ListView {
     onCountChanged: if (count === 0 && !reuseItems) room = 0
 
     property StepwiseWork work: StepwiseWork {
-        isWanted: list.displayMarginEnd < 0 && list.count > 0
+        isWanted: list.room < list.needed && list.count > 0
         onStep: {
             ++list.room
             if (list.currentIndex < 0 && list.keyNavigationEnabled)
