@@ -21,6 +21,8 @@ struct Date {
     static constexpr Date fromReferenceSeconds(double value) { return {value + referenceOffset}; }
     constexpr double referenceSeconds() const { return seconds - referenceOffset; }
 
+    // The linter takes the zero of a rewritten comparison for a null pointer.
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     friend constexpr auto operator<=>(const Date&, const Date&) = default;
     friend constexpr Date operator+(Date date, double delta) { return {date.seconds + delta}; }
     friend constexpr Date operator-(Date date, double delta) { return {date.seconds - delta}; }
