@@ -1,6 +1,7 @@
 #include "app/cleanup/CleanupModel.h"
 
 #include "app/lists/QtConversions.h"
+#include "app/model/ReceiptRoles.h"
 #include "base/SystemError.h"
 #include "base/Text.h"
 
@@ -18,23 +19,6 @@ constexpr double hour = 3600;            // seconds
 
 QVariant bytesOf(std::int64_t size) {
     return QVariant::fromValue<qint64>(size);
-}
-
-QStringList firstPathsOf(const CleanupReceipt& receipt) {
-    QStringList paths;
-    for (std::size_t at = 0; at < std::min<std::size_t>(receipt.entries.size(), 3); ++at)
-        paths.append(toQt(receipt.entries[at].originalPath));
-    return paths;
-}
-
-int restoredCount(const CleanupReceipt& receipt) {
-    return static_cast<int>(
-        std::count_if(receipt.entries.begin(), receipt.entries.end(),
-                      [](const CleanupActionEntry& entry) { return entry.restored; }));
-}
-
-bool canUndo(const CleanupReceipt& receipt) {
-    return restoredCount(receipt) < static_cast<int>(receipt.entries.size());
 }
 
 std::int64_t totalBytes(const CleanupReceipt& receipt) {
@@ -93,12 +77,12 @@ CleanupModel::CleanupModel(AppModel& app, CleanupModelSystem system)
            {"date", [](const CleanupReceipt& receipt) { return toQt(receipt.date); }},
            {"count",
             [](const CleanupReceipt& receipt) { return static_cast<int>(receipt.entries.size()); }},
-           {"restoredCount", restoredCount},
+           {"restoredCount", restoredCount<CleanupReceipt>},
            {"bytes", [](const CleanupReceipt& receipt) { return bytesOf(totalBytes(receipt)); }},
-           {"firstPaths", firstPathsOf},
+           {"firstPaths", firstPathsOf<CleanupReceipt>},
            {"symbol", [](const CleanupReceipt&) { return QStringLiteral("trash"); }},
            {"undone", [](const CleanupReceipt& receipt) { return receipt.undone; }},
-           {"canUndo", canUndo},
+           {"canUndo", canUndo<CleanupReceipt>},
            {"error",
             [](const CleanupReceipt& receipt) { return toQt(receipt.error.value_or("")); }}}),
       items_([](const CleanupPlannedItem& item) { return item.sourcePath; },
@@ -427,7 +411,7 @@ void CleanupModel::undo(const QString& receipt) {
 
 void CleanupModel::undoLast() {
     const std::vector<CleanupReceipt>& receipts = history_.rows();
-    const auto last = std::find_if(receipts.begin(), receipts.end(), canUndo);
+    const auto last = std::find_if(receipts.begin(), receipts.end(), canUndo<CleanupReceipt>);
     const ActionReceipt* change = app_.plans()->lastChange();
     if (last != receipts.end() && (!change || change->date < last->date))
         undo(toQt(last->id.string()));

@@ -3,6 +3,7 @@
 #include "app/lists/QtConversions.h"
 #include "app/model/FollowInIndex.h"
 #include "app/model/PlanInstruction.h"
+#include "app/model/ReceiptRoles.h"
 #include "base/Text.h"
 #include "core/actions/ActionError.h"
 #include "core/files/AuthorizedFolders.h"
@@ -21,13 +22,6 @@ QVariant sizeOf(const FileSnapshot& snapshot) {
     return QVariant::fromValue(static_cast<qint64>(snapshot.size));
 }
 
-QStringList firstPathsOf(const ActionReceipt& receipt) {
-    QStringList paths;
-    for (std::size_t at = 0; at < std::min<std::size_t>(receipt.entries.size(), 3); ++at)
-        paths.append(toQt(receipt.entries[at].originalPath));
-    return paths;
-}
-
 ReceiptFile fileOf(const ActionEntry& entry) {
     const bool isRename = entry.operation == FileOperation::rename;
     return {.path = entry.originalPath,
@@ -40,15 +34,6 @@ QString symbolOf(const ActionReceipt& receipt) {
     const bool isRename =
         !receipt.entries.empty() && receipt.entries.front().operation == FileOperation::rename;
     return isRename ? QStringLiteral("pencil") : QStringLiteral("trash");
-}
-
-int restoredCount(const ActionReceipt& receipt) {
-    return static_cast<int>(std::count_if(receipt.entries.begin(), receipt.entries.end(),
-                                          [](const ActionEntry& entry) { return entry.restored; }));
-}
-
-bool canUndo(const ActionReceipt& receipt) {
-    return restoredCount(receipt) < static_cast<int>(receipt.entries.size());
 }
 
 std::vector<FileRecord> recordsAt(const std::vector<std::string>& paths) {
@@ -77,11 +62,11 @@ PlansModel::PlansModel(ModelContext& context, const FoldersModel& folders)
            {"date", [](const ActionReceipt& receipt) { return toQt(receipt.date); }},
            {"count",
             [](const ActionReceipt& receipt) { return static_cast<int>(receipt.entries.size()); }},
-           {"restoredCount", restoredCount},
-           {"firstPaths", firstPathsOf},
+           {"restoredCount", restoredCount<ActionReceipt>},
+           {"firstPaths", firstPathsOf<ActionReceipt>},
            {"symbol", symbolOf},
            {"undone", [](const ActionReceipt& receipt) { return receipt.undone; }},
-           {"canUndo", canUndo},
+           {"canUndo", canUndo<ActionReceipt>},
            {"error",
             [](const ActionReceipt& receipt) { return toQt(receipt.error.value_or("")); }}}),
       items_(
@@ -313,7 +298,7 @@ void PlansModel::undo(const QString& receipt) {
 }
 
 const ActionReceipt* PlansModel::lastChange() const {
-    const auto last = std::find_if(receipts().begin(), receipts().end(), canUndo);
+    const auto last = std::find_if(receipts().begin(), receipts().end(), canUndo<ActionReceipt>);
     return last == receipts().end() ? nullptr : &*last;
 }
 
