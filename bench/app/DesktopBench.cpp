@@ -156,7 +156,9 @@ void useAll(AppModel& model, QQuickWindow& window, const Measuring& measure) {
     keys("  rename", Qt::Key_F2);
     keys("  commands", Qt::Key_K, Qt::ControlModifier);
     keys("  shortcuts", Qt::Key_F1);
-    measure("  folder dialog", [&] { model.folders()->presentFolderPicker(); });
+    measure("  folder chooser", [&] { model.folders()->presentFolderPicker(); });
+    measure("  /usr/bin in it",
+            [&] { evaluate(window, QStringLiteral("Browser.open('/usr/bin', true)")); });
     press(window, Qt::Key_Escape);
     settle();
     measure("  all that is listed chosen", [&] { press(window, Qt::Key_A, Qt::ControlModifier); });

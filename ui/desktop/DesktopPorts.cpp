@@ -9,6 +9,7 @@
 #include <QDBusUnixFileDescriptor>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QUrl>
 #include <filesystem>
 #include <utility>
 
@@ -43,20 +44,19 @@ void WindowFolderPicker::begin() {
 }
 
 void WindowFolderPicker::ask() {
-    const QString directory = request_.directory ? decoded(*request_.directory) : QString();
     Q_EMIT requested(QString::fromStdString(request_.title),
                      QString::fromStdString(request_.message),
                      QString::fromStdString(request_.button),
-                     directory.isEmpty() ? QUrl() : QUrl::fromLocalFile(directory));
+                     request_.directory ? decoded(*request_.directory) : QString());
 }
 
-void WindowFolderPicker::finish(const QUrl& folder) {
+void WindowFolderPicker::finish(const QString& folder) {
     const Answer answer = std::exchange(answer_, nullptr);
     if (!answer) return;
-    if (folder.isLocalFile()) {
-        answer(QFile::encodeName(folder.toLocalFile()).toStdString());
-    } else {
+    if (folder.isEmpty()) {
         answer(std::nullopt);
+    } else {
+        answer(QFile::encodeName(folder).toStdString());
     }
 }
 

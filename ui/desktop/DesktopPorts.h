@@ -5,7 +5,6 @@
 
 #include <QObject>
 #include <QSocketNotifier>
-#include <QUrl>
 
 namespace tovi {
 
@@ -19,12 +18,13 @@ class WindowFolderPicker final : public QObject, public FolderPicker {
     /// There is a window.
     void begin();
 
-    /// The answer of the dialog; an empty address where nothing was chosen.
-    Q_INVOKABLE void finish(const QUrl& folder);
+    /// The answer of the dialog, a path; empty where nothing was chosen.
+    Q_INVOKABLE void finish(const QString& folder);
 
   Q_SIGNALS:
+    /// `directory` is the path of a folder that is offered, or empty.
     void requested(const QString& title, const QString& message, const QString& button,
-                   const QUrl& directory);
+                   const QString& directory);
 
   private:
     void ask();

@@ -74,9 +74,11 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
       excerpts_(executor_),
       spaceFiles_(executor_, [this](const QString& id) { return model_.spaces()->filesOf(id); }),
       lookAlikes_(executor_, scannerOf(runtime)),
-      installed_(executor_, languageFolder(), [&runtime](const std::stop_token& stop) {
-          return describe(runtime.decoders().confinement(stop));
-      }) {
+      installed_(executor_, languageFolder(),
+                 [&runtime](const std::stop_token& stop) {
+                     return describe(runtime.decoders().confinement(stop));
+                 }),
+      browser_(executor_) {
     connect(&model_, &AppModel::loaded, this, &ScreenModels::followIndex);
     connect(model_.spaces(), &SpacesModel::changed, &spaceFiles_, &SpaceFilesModel::refresh);
     connect(&model_, &AppModel::libraryFilesChanged, &spaceFiles_, &SpaceFilesModel::refresh);
@@ -104,6 +106,7 @@ ScreenModels::ScreenModels(AppModel& model, Runtime& runtime)
     offer("SpaceFiles", &spaceFiles_);
     offer("LookAlikes", &lookAlikes_);
     offer("Installed", &installed_);
+    offer("Browser", &browser_);
 }
 
 void ScreenModels::followIndex() {

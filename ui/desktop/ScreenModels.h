@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/browser/FolderBrowserModel.h"
 #include "app/installed/InstalledModel.h"
 #include "app/library/DownloadsModel.h"
 #include "app/library/EvidenceModel.h"
@@ -15,8 +16,8 @@
 namespace tovi {
 
 /// The models of single screens, beside the running state whose index they follow. QML knows them
-/// as Downloads, Evidence, Timeline, Graph, Preview, Excerpts, SpaceFiles, LookAlikes and
-/// Installed, and this as Screens.
+/// as Downloads, Evidence, Timeline, Graph, Preview, Excerpts, SpaceFiles, LookAlikes, Installed
+/// and Browser, and this as Screens.
 class ScreenModels : public QObject {
     Q_OBJECT
 
@@ -48,6 +49,7 @@ class ScreenModels : public QObject {
     SpaceFilesModel spaceFiles_;
     SimilarPhotosModel lookAlikes_;
     InstalledModel installed_;
+    FolderBrowserModel browser_;
     SharedIndex index_;
     QString comparedFolder_;
     Generation picturesGeneration_;

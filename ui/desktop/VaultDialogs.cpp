@@ -17,8 +17,7 @@ void VaultDialogs::chooseDestination(const SaveRequest& request, SaveAnswer answ
     Q_EMIT destinationRequested(
         QString::fromStdString(request.title), QString::fromStdString(request.message),
         QString::fromStdString(request.name), QString::fromStdString(request.nameIdentifier),
-        QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)),
-        request.size);
+        QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), request.size);
 }
 
 void VaultDialogs::close() {
@@ -26,20 +25,16 @@ void VaultDialogs::close() {
     Q_EMIT closed();
 }
 
-void VaultDialogs::chooseFiles(const QList<QUrl>& files) {
+void VaultDialogs::chooseFiles(const QStringList& files) {
     std::vector<std::string> paths;
-    for (const QUrl& file : files) {
-        if (file.isLocalFile())
-            paths.push_back(QFile::encodeName(file.toLocalFile()).toStdString());
-    }
+    for (const QString& file : files)
+        paths.push_back(QFile::encodeName(file).toStdString());
     if (const OpenAnswer answer = std::exchange(openAnswer_, nullptr)) answer(std::move(paths));
 }
 
-void VaultDialogs::chooseDestination(const QUrl& folder, const QString& name) {
-    if (const SaveAnswer answer = std::exchange(saveAnswer_, nullptr)) {
-        answer(
-            Destination{QFile::encodeName(folder.toLocalFile()).toStdString(), name.toStdString()});
-    }
+void VaultDialogs::chooseDestination(const QString& folder, const QString& name) {
+    if (const SaveAnswer answer = std::exchange(saveAnswer_, nullptr))
+        answer(Destination{QFile::encodeName(folder).toStdString(), name.toStdString()});
 }
 
 void VaultDialogs::cancel() {

@@ -2,9 +2,8 @@
 
 #include "app/vault/VaultPanels.h"
 
-#include <QList>
 #include <QObject>
-#include <QUrl>
+#include <QStringList>
 
 namespace tovi {
 
@@ -17,19 +16,16 @@ class VaultDialogs final : public QObject, public VaultPanels {
     void chooseDestination(const SaveRequest& request, SaveAnswer answer) override;
     void close() override;
 
-    /// The answers of the dialogs.
-    Q_INVOKABLE void chooseFiles(const QList<QUrl>& files);
-    Q_INVOKABLE void chooseDestination(const QUrl& folder, const QString& name);
+    /// The answers of the dialogs, in paths.
+    Q_INVOKABLE void chooseFiles(const QStringList& files);
+    Q_INVOKABLE void chooseDestination(const QString& folder, const QString& name);
     /// Does nothing once the dialog has answered.
     Q_INVOKABLE void cancel();
-
-    /// The path of a file's address.
-    Q_INVOKABLE static QString path(const QUrl& file) { return file.toLocalFile(); }
 
   Q_SIGNALS:
     void filesRequested(const QString& title, const QString& message);
     void destinationRequested(const QString& title, const QString& message, const QString& name,
-                              const QString& nameIdentifier, const QUrl& folder, qint64 size);
+                              const QString& nameIdentifier, const QString& folder, qint64 size);
     void closed();
 
   private:

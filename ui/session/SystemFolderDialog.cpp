@@ -26,17 +26,16 @@ QString handleOf(const QWindow& window) {
 SystemFolderDialog::SystemFolderDialog(QDBusConnection bus) : bus_(std::move(bus)) {}
 
 void SystemFolderDialog::open(QWindow* parent, const QString& title, const QString& acceptLabel,
-                              const QUrl& folder) {
+                              const QString& folder) {
     if (!bus_.isConnected()) { // which answers no call
         QTimer::singleShot(0, this, &SystemFolderDialog::unavailable);
         return;
     }
-    const QVariantMap options{
-        {QStringLiteral("modal"), true},
-        {QStringLiteral("directory"), true},
-        {QStringLiteral("accept_label"), acceptLabel},
-        // With the zero that the portal wants at its end.
-        {QStringLiteral("current_folder"), QFile::encodeName(folder.toLocalFile()) + '\0'}};
+    const QVariantMap options{{QStringLiteral("modal"), true},
+                              {QStringLiteral("directory"), true},
+                              {QStringLiteral("accept_label"), acceptLabel},
+                              // With the zero that the portal wants at its end.
+                              {QStringLiteral("current_folder"), QFile::encodeName(folder) + '\0'}};
     QDBusMessage call = QDBusMessage::createMethodCall(
         portal::service, portal::path, QStringLiteral("org.freedesktop.DBus.Properties"),
         QStringLiteral("Get"));
@@ -69,7 +68,7 @@ void SystemFolderDialog::ask(const QVariantList& arguments, const QVariantMap& o
 
 void SystemFolderDialog::take(const QUrl& folder) {
     if (folder.isLocalFile()) {
-        Q_EMIT accepted(folder);
+        Q_EMIT accepted(folder.toLocalFile());
     } else {
         Q_EMIT rejected();
         Q_EMIT failed(tr("“%1” is not on this machine.").arg(folder.toDisplayString()));

@@ -16,13 +16,14 @@ class SystemFolderDialog : public QObject {
   public:
     explicit SystemFolderDialog(QDBusConnection bus);
 
-    /// Over `parent`, beginning in `folder`. Answered with one signal, later; not to be opened
+    /// Over `parent`, beginning in the folder of this path. Answered with one signal, later; not to be opened
     /// again before.
     Q_INVOKABLE void open(QWindow* parent, const QString& title, const QString& acceptLabel,
-                          const QUrl& folder);
+                          const QString& folder);
 
   Q_SIGNALS:
-    void accepted(const QUrl& folder);
+    /// With its path.
+    void accepted(const QString& folder);
     /// Also where the folder is of another machine.
     void rejected();
     /// This desktop has none.

@@ -1,33 +1,31 @@
 import QtQuick
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import Tovi
 import Tovi.Models
 
-/// Asks for a folder to connect: in the dialog of the desktop, or in Qt's where the desktop has none.
+/// Asks for a folder to connect: in the dialog of the desktop, or in a sheet where the desktop has none.
 /// One that is offered needs no more than a yes.
 Item {
     id: picker
 
     property bool isChoosing: false
-    readonly property string heading: sheet.title + " — " + sheet.message
 
     function ask(title, message, button, directory) {
         sheet.title = title
         sheet.message = message
         sheet.button = button
         sheet.folder = directory
-        if (directory.toString())
+        if (directory)
             sheet.open()
         else
-            choose(Format.address(Format.home))
+            choose(Format.home)
     }
     function choose(start) {
         isChoosing = true
         sheet.folder = start
-        SystemFolderDialog.open(Window.window, heading, sheet.button, start)
+        SystemFolderDialog.open(Window.window, sheet.title + " — " + sheet.message, sheet.button, start)
     }
-    /// Shown before it is connected: where a folder was entered, Qt's dialog takes one inside it.
+    /// Shown before it is connected, with what that means.
     function approve(folder) {
         isChoosing = false
         sheet.folder = folder
@@ -42,16 +40,14 @@ Item {
         target: SystemFolderDialog
         function onAccepted(folder) { picker.approve(folder) }
         function onRejected() { picker.reject() }
-        function onUnavailable() { dialog.use(dialog => dialog.open()) }
+        function onUnavailable() {
+            chooser.use(chooser => chooser.ask(sheet.title, sheet.message, sheet.folder, false))
+        }
     }
     OnDemand {
-        id: dialog
-        sourceComponent: FolderDialog {
-            objectName: "folder-dialog"
-            title: picker.heading
-            acceptLabel: sheet.button
-            currentFolder: sheet.folder
-            onAccepted: picker.approve(selectedFolder)
+        id: chooser
+        sourceComponent: ChooserSheet {
+            onAccepted: paths => picker.approve(paths[0])
             onRejected: picker.reject()
         }
     }
@@ -60,8 +56,8 @@ Item {
 
         property string message: ""
         property string button: ""
-        property url folder
-        property url answer
+        property string folder: ""
+        property string answer: ""
 
         first: yes
         onAboutToShow: answer = ""
@@ -95,8 +91,7 @@ Item {
                     spacing: 12
                     Statement {
                         symbol: "folder"
-                        readonly property string path: VaultDialogs.path(sheet.folder)
-                        text: path === Format.home ? qsTr("Your home folder") : Format.path(path)
+                        text: sheet.folder === Format.home ? qsTr("Your home folder") : Format.path(sheet.folder)
                     }
                     Promises { Layout.fillWidth: true }
                 }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import Tovi
 import Tovi.Models
@@ -8,23 +7,23 @@ import Tovi.Models
 Item {
     id: panels
 
-    FileDialog {
-        id: openDialog
-        objectName: "vault-open-dialog"
-        fileMode: FileDialog.OpenFiles
-        currentFolder: Format.address(Format.home)
-        onAccepted: VaultDialogs.chooseFiles(selectedFiles)
-        onRejected: VaultDialogs.cancel()
+    OnDemand {
+        id: files
+        sourceComponent: ChooserSheet {
+            onAccepted: paths => VaultDialogs.chooseFiles(paths)
+            onRejected: VaultDialogs.cancel()
+        }
     }
-    FolderDialog {
-        id: folderDialog
-        onAccepted: sheet.folder = selectedFolder
+    OnDemand {
+        id: folders
+        sourceComponent: ChooserSheet {
+            onAccepted: paths => sheet.folder = paths[0]
+        }
     }
     Connections {
         target: VaultDialogs
         function onFilesRequested(title, message) {
-            openDialog.title = title + " — " + message
-            openDialog.open()
+            files.use(chooser => chooser.ask(title, message, Format.home, true))
         }
         function onDestinationRequested(title, message, name, nameIdentifier, folder, size) {
             sheet.kind = title
@@ -37,8 +36,11 @@ Item {
             sheet.open()
         }
         function onClosed() {
-            openDialog.close()
-            folderDialog.close()
+            for (const chooser of [files, folders]) {
+                chooser.waiting = null
+                if (chooser.item)
+                    chooser.item.close()
+            }
             sheet.close()
         }
     }
@@ -51,7 +53,7 @@ Item {
         property double size: 0
         property string message: ""
         readonly property string verb: qsTr("Export 1 file, %1").arg(Format.size(size))
-        property url folder
+        property string folder: ""
 
         function save() {
             VaultDialogs.chooseDestination(folder, field.text)
@@ -102,12 +104,14 @@ Item {
                 AppIcon { symbol: "folder" }
                 AppText {
                     Layout.fillWidth: true
-                    text: Format.path(VaultDialogs.path(sheet.folder))
+                    text: Format.path(sheet.folder)
                     elide: Text.ElideMiddle
                 }
                 ActionButton {
                     text: qsTr("Another folder…")
-                    onClicked: folderDialog.open()
+                    onClicked: folders.use(chooser => chooser.ask(
+                        qsTr("Folder of the copy"), qsTr("The copy is written into the folder you choose."),
+                        sheet.folder, false))
                 }
             }
             RowLayout {
