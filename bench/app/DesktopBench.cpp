@@ -3,6 +3,7 @@
 // back.
 #include "bench/Stopwatch.h"
 #include "bench/app/LongestTurn.h"
+#include "bench/app/WaitFor.h"
 #include "ui/desktop/Application.h"
 
 #include <QElapsedTimer>
@@ -24,6 +25,7 @@ namespace tovi {
 namespace {
 
 using bench::processorMilliseconds;
+using bench::waitFor;
 
 class NoOpener final : public FileOpener {
   public:
@@ -60,12 +62,6 @@ long ownMegabytes() {
         }
     }
     return kibibytes * 1024 / 1'000'000;
-}
-
-template <typename Condition>
-void waitFor(Condition condition) {
-    while (!condition())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 /// Until nothing but a blinking cursor has been at work for half a second.

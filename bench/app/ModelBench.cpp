@@ -6,6 +6,7 @@
 #include "app/runtime/Runtime.h"
 #include "bench/Stopwatch.h"
 #include "bench/app/LongestTurn.h"
+#include "bench/app/WaitFor.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -37,8 +38,7 @@ void measure(const char* name, bench::LongestTurn& turns, Start start, IsDone is
     turns.take();
     const bench::Stopwatch stopwatch;
     start();
-    while (!isDone())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    bench::waitFor(isDone);
     std::cout << nlohmann::ordered_json{{"name", name},
                                         {"wall", stopwatch.wall() * 1000},
                                         {"longestTurn", turns.take()}}

@@ -2,6 +2,7 @@
 // display and the session bus that there are: panel DATA-DIRECTORY
 #include "bench/Prose.h"
 #include "bench/Stopwatch.h"
+#include "bench/app/WaitFor.h"
 #include "ui/desktop/Application.h"
 
 #include <QGuiApplication>
@@ -14,6 +15,8 @@
 namespace tovi {
 namespace {
 
+using bench::waitFor;
+
 constexpr int runs = 15;
 
 class NoOpener final : public FileOpener {
@@ -21,12 +24,6 @@ class NoOpener final : public FileOpener {
     bool open(const std::string&) override { return false; }
     bool reveal(const std::string&) override { return false; }
 };
-
-template <typename Condition>
-void waitFor(Condition condition) {
-    while (!condition())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
 
 struct Times {
     double wall = 0;
