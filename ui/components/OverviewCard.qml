@@ -9,6 +9,8 @@ Pressable {
     required property string symbol
     required property string value
 
+    Layout.fillWidth: true
+    Layout.preferredWidth: 1 // all alike
     implicitHeight: 96
     padding: 16
     Accessible.name: value + " " + text

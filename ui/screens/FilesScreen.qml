@@ -10,6 +10,7 @@ FocusScope {
 
     readonly property string title: qsTr("Files")
     readonly property var summary: App.library.librarySummary
+    readonly property var kinds: summary.kinds || []
     readonly property int total: summary.total || 0 // of a large library counted after the first rows
     readonly property bool hasFiles: total > 0 || App.library.files.count > 0
 
@@ -49,13 +50,16 @@ FocusScope {
                 onClicked: App.library.libraryKind = ""
             }
             Repeater {
-                model: screen.summary.kinds || []
-                FilterButton {
-                    required property var modelData
-                    text: modelData.title + "  " + Format.count(modelData.count)
-                    symbol: modelData.symbol
-                    isCurrent: App.library.libraryKind === modelData.kind
-                    onClicked: App.library.libraryKind = modelData.kind
+                model: GradualModel {
+                    model: screen.kinds.length // so that other counts do not make them anew
+                    delegate: FilterButton {
+                        required property int index
+                        readonly property var kind: screen.kinds[index] || { title: "", symbol: "", count: 0 }
+                        text: kind.title + "  " + Format.count(kind.count)
+                        symbol: kind.symbol
+                        isCurrent: App.library.libraryKind === kind.kind
+                        onClicked: App.library.libraryKind = kind.kind
+                    }
                 }
             }
         }
