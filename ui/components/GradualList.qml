@@ -39,8 +39,9 @@ ListView {
         return currentIndex
     }
 
-    // Without room not even the first row, which would be made as a part of what the list is in.
-    displayMarginEnd: room === 0 ? -height - 1 : room < needed ? room * rowHeight - height : 0
+    // Without room not even the first row, which would be made as a part of what the list is in. Until it
+    // has its place a list may be less than nothing high.
+    displayMarginEnd: room === 0 || room < needed ? room * rowHeight - Math.max(0, height) - 1 : 0
     cacheBuffer: 0
     currentIndex: -1
     // The list's own way to follow the keys moves 400 pixels a second.
@@ -57,8 +58,28 @@ ListView {
         enter(Math.max(0, Math.min(count - 1, rows[event.key])))
     }
 
-    // The next ones come step by step, too; only those that wait to be used again are there already.
-    onCountChanged: if (count === 0 && !reuseItems) room = 0
+    /// Leaves room for the rows in sight with such an index; those that follow come step by step.
+    function keep(stays) {
+        let kept = 0
+        for (let at = 0; at < contentItem.children.length; ++at) {
+            const row = contentItem.children[at]
+            if (row.index !== undefined && stays(row.index) && row.y + row.height > contentY)
+                kept += row.height + spacing
+        }
+        room = Math.min(room, Math.max(1, Math.ceil(kept / rowHeight)))
+    }
+    onCountChanged: if (count === 0) room = 0
+    property Connections changes: Connections {
+        target: list.model && list.model.rowsAboutToBeRemoved ? list.model : null // some are arrays
+        function onRowsAboutToBeRemoved(parent, first, last) {
+            list.keep(index => index < first || index > last)
+        }
+        // A table that fills would flicker, and its rows are made quickly of those that were used before.
+        function onRowsAboutToBeInserted(parent, first, last) {
+            if (last > first && !list.reuseItems)
+                list.keep(index => index < first)
+        }
+    }
 
     property StepwiseWork work: StepwiseWork {
         isWanted: list.room < list.needed && list.count > 0
