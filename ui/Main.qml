@@ -105,21 +105,10 @@ ApplicationWindow {
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
     readonly property var colorRoles: [
-        ["window", Theme.raised],
-        ["windowText", Theme.text],
-        ["base", Theme.raised],
-        ["text", Theme.text],
-        ["button", Theme.raised],
-        ["buttonText", Theme.text],
-        ["light", Theme.selected],
-        ["midlight", Theme.selected],
         ["mid", Theme.outline],
         ["dark", Theme.border],
-        ["highlight", Theme.accent], // the ring of the buttons in Qt's own dialogs
-        ["highlightedText", Theme.text],
         ["toolTipBase", Theme.raised],
-        ["toolTipText", Theme.text],
-        ["placeholderText", Theme.secondaryText]
+        ["toolTipText", Theme.text]
     ]
     property int givenRoles: 0
     onColorRolesChanged: givenRoles = 0

@@ -148,6 +148,8 @@ FocusScope {
                             font.family: "monospace"
                             font.pixelSize: Theme.body
                             color: Theme.text
+                            selectionColor: Theme.accent
+                            selectedTextColor: Theme.accentInk
                             selectByMouse: true
                             Accessible.name: qsTr("Names left out")
                             Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
