@@ -114,6 +114,7 @@ void Application::followWindow(QQmlIncubator::Status status) {
     }
     if (status != QQmlIncubator::Ready) return;
     window_.reset(qobject_cast<QQuickWindow*>(windowIncubator_.object()));
+    frames_.emplace(*window_);
     // In a turn of its own, for it lays out and draws the whole window.
     QMetaObject::invokeMethod(
         window_.get(),

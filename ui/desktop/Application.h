@@ -6,6 +6,7 @@
 #include "ui/desktop/DesktopIntegration.h"
 #include "ui/desktop/DesktopPorts.h"
 #include "ui/desktop/ScreenModels.h"
+#include "ui/desktop/SeparateFrames.h"
 #include "ui/desktop/ShortSteps.h"
 #include "ui/desktop/VaultDialogs.h"
 #include "ui/session/SystemFolderDialog.h"
@@ -13,6 +14,7 @@
 #include <QQmlEngine>
 #include <QQmlIncubator>
 #include <QQuickWindow>
+#include <optional>
 
 namespace tovi {
 
@@ -66,6 +68,7 @@ class Application {
     DesktopIntegration integration_;
     WindowIncubator windowIncubator_{*this};
     std::unique_ptr<QQuickWindow> window_;
+    std::optional<SeparateFrames> frames_;
 };
 
 } // namespace tovi
