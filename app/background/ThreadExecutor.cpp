@@ -1,6 +1,5 @@
 #include "app/background/ThreadExecutor.h"
 
-#include <QTimer>
 #include <algorithm>
 #include <chrono>
 
@@ -14,6 +13,7 @@ constexpr int maximumThreads = 32;
 
 ThreadExecutor::ThreadExecutor() {
     threads_.setMaxThreadCount(maximumThreads);
+    QObject::connect(&deliveries_, &QTimer::timeout, &mainThread_, [this] { deliver(); });
 }
 
 ThreadExecutor::~ThreadExecutor() {
@@ -25,7 +25,19 @@ void ThreadExecutor::run(std::function<void()> work) {
 }
 
 void ThreadExecutor::post(std::function<void()> callback) {
-    QMetaObject::invokeMethod(&mainThread_, std::move(callback), Qt::QueuedConnection);
+    const std::lock_guard lock(mutex_);
+    posted_.push_back(std::move(callback));
+    if (posted_.size() > 1) return;
+    QMetaObject::invokeMethod(&deliveries_, qOverload<>(&QTimer::start), Qt::QueuedConnection);
+}
+
+void ThreadExecutor::deliver() {
+    std::unique_lock lock(mutex_);
+    const std::function<void()> callback = std::move(posted_.front());
+    posted_.pop_front();
+    if (posted_.empty()) deliveries_.stop();
+    lock.unlock();
+    callback();
 }
 
 void ThreadExecutor::after(double seconds, std::function<void()> callback) {

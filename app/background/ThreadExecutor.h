@@ -4,11 +4,15 @@
 
 #include <QObject>
 #include <QThreadPool>
+#include <QTimer>
+#include <deque>
+#include <mutex>
 
 namespace tovi {
 
 /// The threads and clocks of the system. Made and destroyed on the main thread, which needs an
-/// event loop; the destructor waits for work that still runs, so stop it first.
+/// event loop; the destructor waits for work that still runs, so stop it first. Of what is posted
+/// each is called in a turn of the event loop of its own, so that together they do not hold it up.
 class ThreadExecutor final : public Executor {
   public:
     ThreadExecutor();
@@ -21,7 +25,12 @@ class ThreadExecutor final : public Executor {
     Date now() const override;
 
   private:
-    QObject mainThread_; // receives what is posted; goes after the threads have ended
+    void deliver();
+
+    QObject mainThread_; // receives what comes later; goes after the threads have ended
+    QTimer deliveries_;  // rings in every turn of the event loop while something is posted
+    std::mutex mutex_;   // guards what follows
+    std::deque<std::function<void()>> posted_;
     QThreadPool threads_;
 };
 

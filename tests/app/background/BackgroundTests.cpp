@@ -2,12 +2,14 @@
 #include "app/background/ThreadExecutor.h"
 #include "tests/support/ManualExecutor.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QThread>
 #include <stdexcept>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tovi {
@@ -101,6 +103,19 @@ TEST(ThreadExecutorTests, WorksAwayFromTheMainThreadAndDeliversOnIt) {
     loop.exec();
     EXPECT_EQ(receiver, QThread::currentThread());
     EXPECT_NE(worker, receiver);
+}
+
+TEST(ThreadExecutorTests, DeliversEachInATurnOfItsOwn) {
+    ThreadExecutor executor;
+    QEventLoop loop;
+    std::string order;
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                     &loop, [&] { order += '|'; });
+    executor.post([&] { order += 'a'; });
+    executor.post([&] { order += 'b'; });
+    executor.post([&] { loop.quit(); });
+    loop.exec();
+    EXPECT_THAT(order, testing::MatchesRegex("[|]+a[|]+b[|]+"));
 }
 
 } // namespace
