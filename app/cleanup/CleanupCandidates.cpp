@@ -38,10 +38,10 @@ CleanupCandidates::CleanupCandidates()
                 {"name", [](const Row& row) { return toQt(row.name); }},
                 {"folder", [](const Row& row) { return folderOf(row.path); }},
                 {"size", [](const Row& row) { return bytesOf(row.size); }},
-                {"modifiedAt", [](const Row& row) { return toQt(row.modifiedAt); }},
+                {"modifiedAt", [](const Row& row) { return toMilliseconds(row.modifiedAt); }},
                 {"lastUsedAt",
                  [](const Row&
-                        row) { return row.lastUsedAt ? toQt(*row.lastUsedAt) : QVariant(); }},
+                        row) { return row.lastUsedAt ? toMilliseconds(*row.lastUsedAt) : QVariant(); }},
                 {"reviewOnlyReason",
                  [](const Row& row) { return toQt(row.reviewOnlyReason.value_or("")); }},
                 {"canMoveToTrash", [](const Row& row) { return row.canMoveToTrash(); }},

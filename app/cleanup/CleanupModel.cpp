@@ -74,7 +74,7 @@ CleanupModel::CleanupModel(AppModel& app, CleanupModelSystem system)
           [](const CleanupReceipt& receipt) { return receipt.id.string(); },
           {{"id", [](const CleanupReceipt& receipt) { return toQt(receipt.id.string()); }},
            {"title", [](const CleanupReceipt& receipt) { return toQt(receipt.title); }},
-           {"date", [](const CleanupReceipt& receipt) { return toQt(receipt.date); }},
+           {"date", [](const CleanupReceipt& receipt) { return toMilliseconds(receipt.date); }},
            {"count",
             [](const CleanupReceipt& receipt) { return static_cast<int>(receipt.entries.size()); }},
            {"restoredCount", restoredCount<CleanupReceipt>},
@@ -264,8 +264,8 @@ QVariantMap CleanupModel::reportValues() const {
             {QStringLiteral("notice"), toQt(report_->notice)},
             {QStringLiteral("isPartial"), report_->isPartial},
             {QStringLiteral("reachedLimit"), report_->reachedLimit},
-            {QStringLiteral("startedAt"), toQt(report_->startedAt)},
-            {QStringLiteral("finishedAt"), toQt(report_->finishedAt)}};
+            {QStringLiteral("startedAt"), toMilliseconds(report_->startedAt)},
+            {QStringLiteral("finishedAt"), toMilliseconds(report_->finishedAt)}};
 }
 
 QVariantMap CleanupModel::proposedPlanValues() const {

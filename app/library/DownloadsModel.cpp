@@ -17,7 +17,7 @@ DownloadsModel::DownloadsModel(Executor& executor)
            {"symbol", [](const Group& group) { return toQt(group.symbol); }},
            {"count", [](const Group& group) { return static_cast<int>(group.count); }},
            {"bytes", [](const Group& group) { return QVariant::fromValue<qint64>(group.bytes); }},
-           {"newest", [](const Group& group) { return toQt(group.newest); }}}) {}
+           {"newest", [](const Group& group) { return toMilliseconds(group.newest); }}}) {}
 
 void DownloadsModel::setIndex(std::shared_ptr<IndexStore> index) {
     loadGeneration_.cancel();

@@ -2,6 +2,7 @@
 
 #include "app/lists/QtConversions.h"
 
+#include <cmath>
 #include <limits>
 
 namespace tovi {
@@ -10,7 +11,7 @@ namespace {
 constexpr Date endOfTime{std::numeric_limits<double>::max()};
 
 QString idOf(Date start) {
-    return toQt(start).toString(Qt::ISODate);
+    return QString::number(toMilliseconds(start), 'f', 0);
 }
 
 QString nameOf(CalendarUnit unit) {
@@ -31,8 +32,7 @@ TimelineModel::TimelineModel(Executor& executor, std::function<UserCalendar()> c
       calendar_(std::move(calendar)),
       periods_([](const TimelinePeriod& period) { return fromQt(idOf(period.start)); },
                {{"id", [](const TimelinePeriod& period) { return idOf(period.start); }},
-                {"start", [](const TimelinePeriod& period) { return toQt(period.start); }},
-                {"end", [](const TimelinePeriod& period) { return toQt(period.end); }},
+                {"end", [](const TimelinePeriod& period) { return toMilliseconds(period.end); }},
                 {"count",
                  [](const TimelinePeriod& period) {
                      return QVariant::fromValue<qint64>(period.summary.total.files);
@@ -79,8 +79,8 @@ void TimelineModel::setUnit(const QString& unit) {
     }
 }
 
-QDateTime TimelineModel::before() const {
-    return before_ ? toQt(*before_) : QDateTime();
+double TimelineModel::before() const {
+    return before_ ? toMilliseconds(*before_) : std::numeric_limits<double>::quiet_NaN();
 }
 
 void TimelineModel::refresh() {
@@ -89,10 +89,10 @@ void TimelineModel::refresh() {
     loadFiles(shownFiles_);
 }
 
-void TimelineModel::jumpTo(const QDateTime& day) {
+void TimelineModel::jumpTo(double moment) {
     before_.reset();
-    if (day.isValid()) {
-        const Date date{static_cast<double>(day.toMSecsSinceEpoch()) / 1000};
+    if (!std::isnan(moment)) {
+        const Date date{moment / 1000};
         before_ = CalendarPeriods(calendar_()).startOf(CalendarUnit::day, 1, date);
     }
     loadFiles(filesAtOnce);

@@ -4,7 +4,6 @@
 #include "app/lists/RecordList.h"
 #include "core/library/Timeline.h"
 
-#include <QDateTime>
 #include <memory>
 #include <set>
 
@@ -17,7 +16,7 @@ class TimelineModel : public QObject {
     Q_PROPERTY(tovi::RowListModel* periods READ periods CONSTANT)
     Q_PROPERTY(tovi::RowListModel* files READ files CONSTANT)
     Q_PROPERTY(QString unit READ unit WRITE setUnit NOTIFY changed)
-    Q_PROPERTY(QDateTime before READ before NOTIFY changed)
+    Q_PROPERTY(double before READ before NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     Q_PROPERTY(bool hasLoaded READ hasLoaded NOTIFY changed)
     Q_PROPERTY(QString error READ error NOTIFY changed)
@@ -34,7 +33,8 @@ class TimelineModel : public QObject {
     /// The index to read from now on; none while it is closed.
     void setIndex(std::shared_ptr<IndexStore> index);
 
-    /// Roles: id (its start, in ISO 8601), start, end (not included), count, bytes.
+    /// Roles: id (its start, as text), end (not included), count, bytes. Moments, here and below,
+    /// are milliseconds since the epoch.
     RowListModel* periods() { return &periods_; }
     /// Roles of a file, and period: the id of the one it was modified in.
     RowListModel* files() { return &files_; }
@@ -43,8 +43,8 @@ class TimelineModel : public QObject {
     /// "day", "week" or "month".
     QString unit() const;
     void setUnit(const QString& unit);
-    /// The files shown were modified before this; invalid if all are shown.
-    QDateTime before() const;
+    /// The files shown were modified before this; not a number if all are shown.
+    double before() const;
 
     bool isLoading() const { return isLoading_; }
     bool hasLoaded() const { return hasLoaded_; }
@@ -54,8 +54,8 @@ class TimelineModel : public QObject {
 
     /// Reads anew what is shown, as after a change of the library.
     Q_INVOKABLE void refresh();
-    /// Shows the files from the end of this day on; all files for an invalid date.
-    Q_INVOKABLE void jumpTo(const QDateTime& day);
+    /// Shows the files from the end of the day of a moment on; all files if it is not a number.
+    Q_INVOKABLE void jumpTo(double moment);
     Q_INVOKABLE void loadMorePeriods();
     Q_INVOKABLE void loadMoreFiles();
 

@@ -2,7 +2,6 @@
 
 #include "base/Date.h"
 
-#include <QDateTime>
 #include <QString>
 #include <cmath>
 #include <string>
@@ -14,9 +13,11 @@ inline QString toQt(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// Local time, to the millisecond.
-inline QDateTime toQt(Date date) {
-    return QDateTime::fromMSecsSinceEpoch(std::llround(date.seconds * 1000));
+/// Since the epoch, rounded: what a Date of JavaScript is made of. As a QDateTime it would be
+/// brought to local time with every copy, for which the C library looks on the disk for a changed
+/// time zone.
+inline double toMilliseconds(Date date) {
+    return std::round(date.seconds * 1000);
 }
 
 inline std::string fromQt(const QString& text) {

@@ -23,12 +23,12 @@ const std::vector<DifferenceListModel<FileRecord>::Role>& recordRoles() {
         {"kindTitle", [](const FileRecord& file) { return toQt(title(file.kind)); }},
         {"symbol", [](const FileRecord& file) { return toQt(symbol(file.kind)); }},
         {"size", [](const FileRecord& file) { return QVariant::fromValue<qint64>(file.size); }},
-        {"createdAt", [](const FileRecord& file) { return toQt(file.createdAt); }},
-        {"modifiedAt", [](const FileRecord& file) { return toQt(file.modifiedAt); }},
-        {"indexedAt", [](const FileRecord& file) { return toQt(file.indexedAt); }},
+        {"createdAt", [](const FileRecord& file) { return toMilliseconds(file.createdAt); }},
+        {"modifiedAt", [](const FileRecord& file) { return toMilliseconds(file.modifiedAt); }},
+        {"indexedAt", [](const FileRecord& file) { return toMilliseconds(file.indexedAt); }},
         {"downloadedAt",
          [](const FileRecord& file) {
-             return file.downloadedAt ? QVariant(toQt(*file.downloadedAt)) : QVariant();
+             return file.downloadedAt ? toMilliseconds(*file.downloadedAt) : QVariant();
          }},
         {"contentStatus", [](const FileRecord& file) { return toQt(file.contentStatus); }},
         {"sourceURL", [](const FileRecord& file) { return textOf(file.sourceURL); }},

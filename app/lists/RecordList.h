@@ -6,8 +6,8 @@
 namespace tovi {
 
 /// Files of the index by their path. Roles: path, name, folder, kind, kindTitle, symbol, size
-/// (bytes), createdAt, modifiedAt, indexedAt, downloadedAt, contentStatus, sourceURL, sha256,
-/// rootPath, and what a screen needs besides.
+/// (bytes), createdAt, modifiedAt, indexedAt, downloadedAt (milliseconds since the epoch),
+/// contentStatus, sourceURL, sha256, rootPath, and what a screen needs besides.
 class RecordList final : public DifferenceListModel<FileRecord> {
   public:
     explicit RecordList(std::vector<Role> more = {});

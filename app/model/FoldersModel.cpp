@@ -64,7 +64,7 @@ FoldersModel::FoldersModel(ModelContext& context, const FileIndexer& indexer,
              {"freshness",
               [this](const FolderGrant& grant) { return toQt(nameOf(freshnessOf(grant).state)); }},
              {"freshSince",
-              [this](const FolderGrant& grant) { return toQt(freshnessOf(grant).since); }},
+              [this](const FolderGrant& grant) { return toMilliseconds(freshnessOf(grant).since); }},
              {"freshnessReason",
               [this](const FolderGrant& grant) { return toQt(freshnessOf(grant).reason); }}}) {}
 

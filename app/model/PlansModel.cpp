@@ -59,7 +59,7 @@ PlansModel::PlansModel(ModelContext& context, const FoldersModel& folders)
           [](const ActionReceipt& receipt) { return receipt.id.string(); },
           {{"id", [](const ActionReceipt& receipt) { return toQt(receipt.id.string()); }},
            {"title", [](const ActionReceipt& receipt) { return toQt(receipt.title); }},
-           {"date", [](const ActionReceipt& receipt) { return toQt(receipt.date); }},
+           {"date", [](const ActionReceipt& receipt) { return toMilliseconds(receipt.date); }},
            {"count",
             [](const ActionReceipt& receipt) { return static_cast<int>(receipt.entries.size()); }},
            {"restoredCount", restoredCount<ActionReceipt>},

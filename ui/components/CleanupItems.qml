@@ -77,7 +77,7 @@ FocusScope {
                     required property string name
                     required property string folder
                     required property var size
-                    required property var modifiedAt
+                    required property double modifiedAt
                     required property var lastUsedAt
                     required property string reviewOnlyReason
                     required property bool canMoveToTrash

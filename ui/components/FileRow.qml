@@ -15,11 +15,11 @@ Item {
     required property string kindTitle
     required property string symbol
     required property var size
-    required property var modifiedAt
+    required property double modifiedAt
     required property var downloadedAt
 
     required property Item owner // the FileTable, whose type holds this one
-    readonly property var date: owner.showsDownloadDate && downloadedAt ? downloadedAt : modifiedAt
+    readonly property double date: owner.showsDownloadDate && downloadedAt ? downloadedAt : modifiedAt
     readonly property string sizeText: Format.size(size)
     readonly property string dateText: Format.date(date)
     readonly property string folderText: Format.path(folder)

@@ -31,7 +31,7 @@ FocusScope {
             required property int index
             required property string id
             required property string title
-            required property var date
+            required property double date
             required property var firstPaths
             required property string symbol
             required property int count

@@ -100,7 +100,7 @@ FocusScope {
                     required property string id
                     required property string name
                     required property var size
-                    required property var importedAt
+                    required property double importedAt
 
                     height: 44
                     isCard: false

@@ -33,7 +33,7 @@ FocusScope {
             day = Date.fromLocaleDateString(Qt.locale(), written, Locale.ShortFormat)
         hint.visible = written !== "" && isNaN(day)
         if (!hint.visible)
-            Timeline.jumpTo(written === "" ? new Date(NaN) : day)
+            Timeline.jumpTo(written === "" ? NaN : day.getTime())
     }
 
     ColumnLayout {
@@ -44,15 +44,15 @@ FocusScope {
         ScreenHeader {
             Layout.fillWidth: true
             title: screen.title
-            subtitle: Timeline.before.getTime() > 0
+            subtitle: Timeline.before > 0
                 ? qsTr("Modified before %1").arg(Format.date(Timeline.before)) : qsTr("When your files changed")
             ActionButton {
-                visible: Timeline.before.getTime() > 0
+                visible: Timeline.before > 0
                 text: qsTr("Show newest")
                 symbol: "arrow.uturn.backward"
                 onClicked: {
                     field.clear()
-                    Timeline.jumpTo(new Date(NaN))
+                    Timeline.jumpTo(NaN)
                 }
             }
             InputField {
@@ -122,7 +122,7 @@ FocusScope {
                     delegate: PeriodRow {
                         required property int index
                         required property string id
-                        required property date end
+                        required property double end
                         required property int count
                         required property var bytes
                         width: ListView.view.width
@@ -130,13 +130,13 @@ FocusScope {
                         detail: Format.count(count)
                         share: count / screen.mostFiles
                         isEntry: ListView.isCurrentItem
-                        isCurrent: Timeline.before.getTime() === end.getTime()
+                        isCurrent: Timeline.before === end
                         Accessible.description: qsTr("%1, %2, row %3 of %4")
                             .arg(Format.counted(count, qsTr("file"), qsTr("files"))).arg(Format.size(bytes))
                             .arg(index + 1).arg(periods.count)
                         onClicked: {
                             periods.currentIndex = index
-                            Timeline.jumpTo(new Date(end.getTime() - 1))
+                            Timeline.jumpTo(end - 1)
                         }
                     }
                 }
@@ -157,7 +157,7 @@ FocusScope {
                 }
                 EmptyState {
                     anchors.centerIn: parent
-                    visible: Timeline.files.count === 0 && Timeline.before.getTime() > 0
+                    visible: Timeline.files.count === 0 && Timeline.before > 0
                     symbol: "calendar"
                     title: qsTr("Nothing older")
                     sentence: qsTr("All your indexed files changed on this date or later.")

@@ -33,12 +33,13 @@ QtObject {
         return count(number) + " " + (number === 1 ? one : many)
     }
 
-    function date(value) {
-        return value ? Qt.formatDate(value, dateFormat) : ""
+    /// A moment in milliseconds since the epoch; nothing for none.
+    function date(moment) {
+        return moment ? Qt.formatDate(new Date(moment), dateFormat) : ""
     }
 
-    function dateTime(value) {
-        return value ? Qt.formatDateTime(value, dateTimeFormat) : ""
+    function dateTime(moment) {
+        return moment ? Qt.formatDateTime(new Date(moment), dateTimeFormat) : ""
     }
 
     /// Minutes and seconds.
@@ -55,9 +56,9 @@ QtObject {
         return path.substring(path.lastIndexOf("/") + 1)
     }
 
-    /// A day, week or month by its start, in ISO 8601.
+    /// A day, week or month by its start, in milliseconds since the epoch.
     function period(start, unit) {
-        const day = new Date(start)
+        const day = new Date(Number(start))
         if (unit === "month")
             return day.toLocaleDateString(locale, "MMMM yyyy")
         const written = day.toLocaleDateString(locale, "d MMMM yyyy")
