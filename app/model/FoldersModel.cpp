@@ -57,16 +57,17 @@ FoldersModel::FoldersModel(ModelContext& context, const FileIndexer& indexer,
       indexer_(indexer),
       access_(std::make_shared<FolderAccess>(bookmarks)),
       picker_(picker),
-      list_([](const FolderGrant& grant) { return grant.path; },
-            {{"path", [](const FolderGrant& grant) { return toQt(grant.path); }},
-             {"name", [](const FolderGrant& grant) { return toQt(lastPathComponent(grant.path)); }},
-             {"available", [](const FolderGrant& grant) { return grant.available; }},
-             {"freshness",
-              [this](const FolderGrant& grant) { return toQt(nameOf(freshnessOf(grant).state)); }},
-             {"freshSince",
-              [this](const FolderGrant& grant) { return toMilliseconds(freshnessOf(grant).since); }},
-             {"freshnessReason",
-              [this](const FolderGrant& grant) { return toQt(freshnessOf(grant).reason); }}}) {}
+      list_(
+          [](const FolderGrant& grant) { return grant.path; },
+          {{"path", [](const FolderGrant& grant) { return toQt(grant.path); }},
+           {"name", [](const FolderGrant& grant) { return toQt(lastPathComponent(grant.path)); }},
+           {"available", [](const FolderGrant& grant) { return grant.available; }},
+           {"freshness",
+            [this](const FolderGrant& grant) { return toQt(nameOf(freshnessOf(grant).state)); }},
+           {"freshSince",
+            [this](const FolderGrant& grant) { return toMilliseconds(freshnessOf(grant).since); }},
+           {"freshnessReason",
+            [this](const FolderGrant& grant) { return toQt(freshnessOf(grant).reason); }}}) {}
 
 void FoldersModel::setRoots(std::vector<FolderGrant> roots) {
     list_.replace(std::move(roots));

@@ -10,7 +10,8 @@ VaultItemList::VaultItemList()
           {{"id", [](const VaultItem& item) { return toQt(item.id.string()); }},
            {"name", [](const VaultItem& item) { return toQt(item.name); }},
            {"size", [](const VaultItem& item) { return QVariant::fromValue<qint64>(item.size); }},
-           {"importedAt", [](const VaultItem& item) { return toMilliseconds(item.importedAt); }}}) {}
+           {"importedAt", [](const VaultItem& item) { return toMilliseconds(item.importedAt); }}}) {
+}
 
 VaultOriginalList::VaultOriginalList()
     : DifferenceListModel(

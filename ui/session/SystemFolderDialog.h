@@ -16,8 +16,8 @@ class SystemFolderDialog : public QObject {
   public:
     explicit SystemFolderDialog(QDBusConnection bus);
 
-    /// Over `parent`, beginning in the folder of this path. Answered with one signal, later; not to be opened
-    /// again before.
+    /// Over `parent`, beginning in the folder of this path. Answered with one signal, later; not to
+    /// be opened again before.
     Q_INVOKABLE void open(QWindow* parent, const QString& title, const QString& acceptLabel,
                           const QString& folder);
 

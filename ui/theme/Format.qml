@@ -35,11 +35,11 @@ QtObject {
 
     /// A moment in milliseconds since the epoch; nothing for none.
     function date(moment) {
-        return moment ? Qt.formatDate(new Date(moment), dateFormat) : ""
+        return Number.isFinite(moment) ? Qt.formatDate(new Date(moment), dateFormat) : ""
     }
 
     function dateTime(moment) {
-        return moment ? Qt.formatDateTime(new Date(moment), dateTimeFormat) : ""
+        return Number.isFinite(moment) ? Qt.formatDateTime(new Date(moment), dateTimeFormat) : ""
     }
 
     /// Minutes and seconds.
