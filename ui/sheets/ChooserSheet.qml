@@ -175,7 +175,7 @@ Sheet {
                 onClicked: sheet.close()
             }
             ActionButton {
-                text: !sheet.isForFiles ? qsTr("Choose this folder")
+                text: !sheet.isForFiles ? qsTr("Choose this folder") : sheet.files.length === 0 ? qsTr("Choose files")
                     : qsTr("Choose %1").arg(Format.counted(sheet.files.length, qsTr("file"), qsTr("files")))
                 isPrimary: true
                 // Not while the path says something else than the list.
