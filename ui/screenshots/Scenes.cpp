@@ -162,6 +162,8 @@ const std::map<QString, std::function<void(Photographer&)>>& scenes() {
              at.waitFor([&] { return !at.vault().isBusy(); });
          }},
         {QStringLiteral("offer"), [](Photographer& at) { at.model().folders()->addHomeFolder(); }},
+        {QStringLiteral("chooser"),
+         [](Photographer& at) { at.model().folders()->presentFolderPicker(); }},
         {QStringLiteral("quick-search"),
          [](Photographer& at) { at.showQuickSearch(QStringLiteral("lease")); }},
         {QStringLiteral("keys"), [](Photographer& at) { at.press(Qt::Key_F1); }},
